@@ -1,0 +1,41 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <span>
+
+#include "platform/Result.h"
+
+namespace sonavault {
+
+class DiskFlusher;
+
+/// A file that only grows: opened at its end, written through at once with no buffer of our own, so that a crash of the
+/// process loses nothing that write() was given.
+///
+/// Thread: one at a time. Owns: the descriptor, closed at destruction.
+class AppendFile {
+  public:
+    /// Makes the file when there is none; never truncates. What is written reaches the disk through `flusher`, in the
+    /// background. Errors: the system's words.
+    static Result<std::unique_ptr<AppendFile>> open(const std::filesystem::path& file, DiskFlusher& flusher);
+
+    ~AppendFile();
+    AppendFile(const AppendFile&) = delete;
+    AppendFile& operator=(const AppendFile&) = delete;
+
+    /// True when all bytes were taken. On a full disk a part may have been.
+    bool write(std::span<const std::uint8_t> bytes);
+
+  private:
+    struct Descriptor;
+    friend class DiskFlusher;
+    explicit AppendFile(std::shared_ptr<Descriptor> descriptor, DiskFlusher& flusher);
+
+    std::shared_ptr<Descriptor> descriptor_;
+    DiskFlusher& flusher_;
+};
+
+}  // namespace sonavault

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <mutex>
+#include <string_view>
+
+namespace sonavault {
+
+/// Where the program speaks to whoever captured its output: plain lines, no levels, no time stamps.
+///
+/// Thread: any.
+class Log {
+  public:
+    virtual ~Log() = default;
+
+    /// `text` is one line without its line feed.
+    virtual void line(std::string_view text) = 0;
+};
+
+/// Lines on standard output, written at once. A reader that stalls or goes away costs lines, never time: what can't be
+/// written without waiting is dropped.
+class StandardOutputLog final : public Log {
+  public:
+    /// Range: any open descriptor; a pipe, a terminal or a file. Not closed at the end.
+    explicit StandardOutputLog(int descriptor = 1) : descriptor_(descriptor) {}
+
+    void line(std::string_view text) override;
+
+  private:
+    std::mutex writing_;
+    const int descriptor_;
+};
+
+}  // namespace sonavault

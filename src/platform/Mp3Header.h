@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace sonavault {
+
+/// What the four header bytes of an MPEG audio Layer III frame say (ISO/IEC 11172-3 and 13818-3, and the MPEG-2.5
+/// extension).
+struct Mp3Header {
+    int bitrateKbps = 0;
+    int sampleRate = 0;       ///< Units: hertz
+    int samplesPerFrame = 0;  ///< 1152 for MPEG-1, 576 for MPEG-2 and 2.5
+    int frameBytes = 0;       ///< the whole frame, header and padding included
+};
+
+/// The header at the beginning of `bytes`, or nothing when no Layer III frame of known size can begin there: no sync,
+/// reserved or free-format fields, another layer, or fewer than four bytes.
+std::optional<Mp3Header> parseMp3Header(std::span<const std::uint8_t> bytes);
+
+/// Where the audio begins: behind an ID3v2 tag when the file starts with one, else 0. May lie beyond the file's end.
+std::int64_t mp3DataStart(std::span<const std::uint8_t> file);
+
+}  // namespace sonavault
