@@ -1,0 +1,48 @@
+#include "store/MarkerLogWriter.h"
+
+#include "platform/AppendFile.h"
+#include "platform/AtomicFile.h"
+#include "platform/Format.h"
+
+namespace sonavault {
+
+std::string csvEscape(const std::string& text) {
+    if (text.find_first_of(",\"\n") == std::string::npos) return text;
+    std::string quoted = "\"";
+    for (const char c : text) {
+        if (c == '"') quoted += '"';
+        quoted += c;
+    }
+    return quoted + '"';
+}
+
+std::string formatDuration(double seconds) {
+    return seconds == 0 ? "0" : sixDigits(seconds);
+}
+
+std::string markerRow(const std::string& clockTime, const std::string& type,
+                      const std::string& label, double durationSec) {
+    return clockTime + "," + type + "," + csvEscape(label) + "," + formatDuration(durationSec) +
+           "\n";
+}
+
+void writeCSVHeaderIfNeeded(const std::filesystem::path& log, DiskFlusher& flusher) {
+    std::error_code unreadable;
+    if (std::filesystem::exists(log, unreadable)) return;
+    if (writeFileAtomically(log, kMarkerLogHeader)) flusher.flushSoon(log);
+}
+
+Outcome appendMarkerRow(const std::filesystem::path& log, const std::string& row,
+                        DiskFlusher& flusher) {
+    std::error_code unreadable;
+    if (!std::filesystem::exists(log, unreadable))
+        return Outcome::failure("No such file or directory");
+    auto file = AppendFile::open(log, flusher);
+    if (!file) return Outcome::failure(file.error());
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(row.data());
+    if (!file.value()->write({bytes, row.size()}))
+        return Outcome::failure("the row could not be written whole");
+    return Done{};
+}
+
+}  // namespace sonavault

@@ -1,0 +1,178 @@
+#include "store/RecordingManifest.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <cmath>
+#include <fstream>
+#include <iterator>
+
+#include "platform/LocalTime.h"
+#include "store/StationFolder.h"
+
+namespace sonavault {
+
+namespace {
+
+constexpr auto kVersion = "version";
+constexpr auto kSourceMode = "source_mode";
+constexpr auto kStartedAt = "started_at_iso8601";
+constexpr auto kStartOffset = "start_offset_sec";
+constexpr auto kSampleRate = "sample_rate";
+constexpr auto kChannels = "channels";
+constexpr auto kBitrate = "bitrate_kbps";
+constexpr auto kDeviceName = "device_name";
+constexpr auto kRecordedBy = "recorded_by";
+constexpr auto kNotes = "notes";
+
+void put(QJsonObject& object, const char* key, const std::optional<std::string>& text) {
+    if (text) object.insert(QLatin1String(key), QString::fromStdString(*text));
+}
+
+void put(QJsonObject& object, const char* key, const std::optional<std::int64_t>& number) {
+    if (number) object.insert(QLatin1String(key), static_cast<qint64>(*number));
+}
+
+/// Takes typed values out of an object and remembers the first key that is of a wrong type.
+class FieldReader {
+  public:
+    explicit FieldReader(QJsonObject object) : object_(std::move(object)) {}
+
+    std::optional<std::string> text(const char* key) {
+        const auto value = find(key);
+        if (!value) return std::nullopt;
+        if (value->isString()) return value->toString().toStdString();
+        return refuse(key, "a text"), std::nullopt;
+    }
+
+    std::optional<double> number(const char* key) {
+        const auto value = find(key);
+        if (!value) return std::nullopt;
+        if (value->isDouble()) return value->toDouble();
+        return refuse(key, "a number"), std::nullopt;
+    }
+
+    std::optional<std::int64_t> integer(const char* key) {
+        const auto value = find(key);
+        if (!value) return std::nullopt;
+        constexpr double kLargestExact = 9007199254740992.0;  // 2^53
+        if (value->isDouble()) {
+            const double number = value->toDouble();
+            if (number == std::trunc(number) && std::abs(number) <= kLargestExact)
+                return static_cast<std::int64_t>(number);
+        }
+        return refuse(key, "an integer"), std::nullopt;
+    }
+
+    void require(const char* key) {
+        if (!find(key) && error_.empty()) error_ = std::string("key ") + key + " is missing";
+    }
+
+    const std::string& error() const { return error_; }
+
+  private:
+    std::optional<QJsonValue> find(const char* key) const {
+        const auto found = object_.constFind(QLatin1String(key));
+        if (found == object_.constEnd() || found->isNull()) return std::nullopt;
+        return *found;
+    }
+
+    void refuse(const char* key, const char* wanted) {
+        if (error_.empty()) error_ = std::string("key ") + key + " is not " + wanted;
+    }
+
+    QJsonObject object_;
+    std::string error_;
+};
+
+Result<std::string> readAll(const std::filesystem::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    if (!in) return Result<std::string>::failure("the file can't be opened");
+    std::string bytes{std::istreambuf_iterator<char>(in), {}};
+    if (in.bad()) return Result<std::string>::failure("the file can't be read");
+    return bytes;
+}
+
+Result<RecordingManifest> readAndDecode(const std::filesystem::path& file) {
+    const auto bytes = readAll(file);
+    if (!bytes) return Result<RecordingManifest>::failure(bytes.error());
+    return decodeManifest(bytes.value());
+}
+
+bool exists(const std::filesystem::path& file) {
+    std::error_code unreadable;
+    return std::filesystem::exists(file, unreadable);
+}
+
+}  // namespace
+
+std::string encodeManifest(const RecordingManifest& manifest) {
+    QJsonObject object;
+    object.insert(QLatin1String(kVersion), static_cast<qint64>(manifest.version));
+    object.insert(QLatin1String(kStartOffset), manifest.startOffsetSec);
+    put(object, kSourceMode, manifest.sourceMode);
+    put(object, kStartedAt, manifest.startedAtIso8601);
+    put(object, kSampleRate, manifest.sampleRate);
+    put(object, kChannels, manifest.channels);
+    put(object, kBitrate, manifest.bitrateKbps);
+    put(object, kDeviceName, manifest.deviceName);
+    put(object, kRecordedBy, manifest.recordedBy);
+    put(object, kNotes, manifest.notes);
+    return QJsonDocument(object).toJson(QJsonDocument::Indented).toStdString();
+}
+
+Result<RecordingManifest> decodeManifest(std::string_view json) {
+    using Decoded = Result<RecordingManifest>;
+    QJsonParseError parsing;
+    const auto document = QJsonDocument::fromJson(
+        QByteArray(json.data(), static_cast<qsizetype>(json.size())), &parsing);
+    if (parsing.error != QJsonParseError::NoError)
+        return Decoded::failure(parsing.errorString().toStdString());
+    if (!document.isObject()) return Decoded::failure("not a JSON object");
+
+    FieldReader fields(document.object());
+    fields.require(kVersion);
+    fields.require(kStartOffset);
+    RecordingManifest manifest;
+    manifest.version = fields.integer(kVersion).value_or(0);
+    manifest.startOffsetSec = fields.number(kStartOffset).value_or(0);
+    manifest.sourceMode = fields.text(kSourceMode);
+    manifest.startedAtIso8601 = fields.text(kStartedAt);
+    manifest.sampleRate = fields.integer(kSampleRate);
+    manifest.channels = fields.integer(kChannels);
+    manifest.bitrateKbps = fields.integer(kBitrate);
+    manifest.deviceName = fields.text(kDeviceName);
+    manifest.recordedBy = fields.text(kRecordedBy);
+    manifest.notes = fields.text(kNotes);
+    if (!fields.error().empty()) return Decoded::failure(fields.error());
+    return manifest;
+}
+
+std::filesystem::path manifestURL(const std::filesystem::path& audio) {
+    return sidecarURL(audio, "json");
+}
+
+std::optional<RecordingManifest> loadManifest(const std::filesystem::path& audio, Log& log) {
+    const auto file = manifestURL(audio);
+    if (!exists(file)) return std::nullopt;
+    auto manifest = readAndDecode(file);
+    if (manifest) return std::move(manifest.value());
+    log.line("Sonavault: Manifest load failed at " + file.string() + ": " + manifest.error());
+    return std::nullopt;
+}
+
+std::optional<RecordingManifest> readManifest(const std::filesystem::path& file) {
+    auto manifest = readAndDecode(file);
+    if (!manifest) return std::nullopt;
+    return std::move(manifest.value());
+}
+
+std::optional<WallTime> readManifestStartedAt(const std::filesystem::path& file) {
+    const auto manifest = readManifest(file);
+    WallTime moment;
+    if (!manifest || !manifest->startedAtIso8601 ||
+        !parseIso8601WithFraction(*manifest->startedAtIso8601, moment))
+        return std::nullopt;
+    return moment;
+}
+
+}  // namespace sonavault
