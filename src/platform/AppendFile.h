@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -11,16 +10,19 @@
 namespace sonavault {
 
 class DiskFlusher;
+struct SharedDescriptor;
 
-/// A file that only grows: opened at its end, written through at once with no buffer of our own, so that a crash of the
-/// process loses nothing that write() was given.
+/// A file that only grows: opened at its end, written through at once with no buffer of our own, so
+/// that a crash of the process loses nothing that write() was given.
 ///
-/// Thread: one at a time. Owns: the descriptor, closed at destruction.
+/// Thread: one at a time. Owns: the descriptor. Destruction hands it to the flusher, which flushes
+/// and closes it; nothing here ever waits for the disk to be reached.
 class AppendFile {
   public:
-    /// Makes the file when there is none; never truncates. What is written reaches the disk through `flusher`, in the
-    /// background. Errors: the system's words.
-    static Result<std::unique_ptr<AppendFile>> open(const std::filesystem::path& file, DiskFlusher& flusher);
+    /// Makes the file when there is none; never truncates. What is written reaches the disk through
+    /// `flusher`, in the background; `flusher` must outlive the file. Errors: the system's words.
+    static Result<std::unique_ptr<AppendFile>> open(const std::filesystem::path& file,
+                                                    DiskFlusher& flusher);
 
     ~AppendFile();
     AppendFile(const AppendFile&) = delete;
@@ -31,10 +33,9 @@ class AppendFile {
 
   private:
     struct Descriptor;
-    friend class DiskFlusher;
-    explicit AppendFile(std::shared_ptr<Descriptor> descriptor, DiskFlusher& flusher);
+    AppendFile(std::shared_ptr<SharedDescriptor> descriptor, DiskFlusher& flusher);
 
-    std::shared_ptr<Descriptor> descriptor_;
+    std::shared_ptr<SharedDescriptor> descriptor_;
     DiskFlusher& flusher_;
 };
 

@@ -5,16 +5,18 @@
 
 #include "platform/Executor.h"
 
-class QObject;
-
 namespace sonavault {
 
-/// A named thread with an event loop: network objects live on it, and posted work runs on it in order.
+/// A named thread with an event loop: network objects live on it, and posted work runs on it in
+/// order. Network objects need the application object, which then must exist before the queue is
+/// made; posted work does not.
 ///
-/// Destruction runs what is already posted, ends the loop and joins the thread; it must not happen on the queue itself.
+/// Destruction runs what is already posted, ends the loop and joins the thread; it must not happen
+/// on the queue itself.
 class SerialQueue final : public Executor {
   public:
-    /// `name` is what a debugger shows for the thread (cut to what the system allows).
+    /// `name` is what a debugger shows for the thread (the part behind the last dot, where the
+    /// system has no room for the whole).
     explicit SerialQueue(const std::string& name);
     ~SerialQueue() override;
 
@@ -30,9 +32,11 @@ class SerialQueue final : public Executor {
     std::unique_ptr<Thread> thread_;
 };
 
-/// The main thread's event loop as an Executor: also serves posted work while menus and modal dialogs are open.
+/// The main thread's event loop as an Executor: also serves posted work while menus and modal
+/// dialogs are open.
 ///
-/// Made on the main thread once the application object exists.
+/// Made and destroyed on the main thread while the application object exists. What has not run by
+/// then never does.
 class MainQueue final : public Executor {
   public:
     MainQueue();

@@ -1,0 +1,110 @@
+#include "platform/Preferences.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <QSettings>
+#include <QString>
+#include <cmath>
+#include <cstdlib>
+#include <vector>
+
+namespace sonavault {
+namespace {
+
+QString nameOf(const std::filesystem::path& file) {
+    return QString::fromStdString(file.string());
+}
+
+// A fresh QSettings looks at the file when it is made: Qt keeps what it read in memory, but reads
+// again when the file's size or time of change is not what it was.
+std::optional<QString> read(const std::filesystem::path& file, const std::string& key) {
+    const QSettings settings(nameOf(file), QSettings::IniFormat);
+    const QVariant value = settings.value(QString::fromStdString(key));
+    if (value.typeId() != QMetaType::QString) return std::nullopt;
+    return value.toString();
+}
+
+void write(const std::filesystem::path& file, const std::string& key, const QVariant& value) {
+    QSettings settings(nameOf(file), QSettings::IniFormat);
+    settings.setValue(QString::fromStdString(key), value);
+    settings.sync();
+}
+
+std::optional<std::filesystem::path> folderFromEnvironment(const char* name) {
+    const char* value = std::getenv(name);
+    if (!value || value[0] != '/') return std::nullopt;
+    return value;
+}
+
+std::filesystem::path homeOfUser() {
+    std::vector<char> texts(16384);
+    passwd entry{};
+    passwd* found = nullptr;
+    if (getpwuid_r(getuid(), &entry, texts.data(), texts.size(), &found) == 0 && found)
+        return found->pw_dir;
+    return "/";
+}
+
+}  // namespace
+
+std::filesystem::path Preferences::fileForDomain(const std::string& domain) {
+    const auto configuration = folderFromEnvironment("XDG_CONFIG_HOME");
+    return configuration.value_or(homeFolder() / ".config") / (domain + ".conf");
+}
+
+bool Preferences::contains(const std::string& key) const {
+    return QSettings(nameOf(file_), QSettings::IniFormat).contains(QString::fromStdString(key));
+}
+
+std::optional<std::string> Preferences::text(const std::string& key) const {
+    const auto value = read(file_, key);
+    if (!value) return std::nullopt;
+    return value->toStdString();
+}
+
+std::optional<long long> Preferences::integer(const std::string& key) const {
+    const auto value = read(file_, key);
+    bool whole = false;
+    const long long number = value ? value->toLongLong(&whole) : 0;
+    if (!whole) return std::nullopt;
+    return number;
+}
+
+std::optional<double> Preferences::real(const std::string& key) const {
+    const auto value = read(file_, key);
+    bool numeric = false;
+    const double number = value ? value->toDouble(&numeric) : 0;
+    if (!numeric || !std::isfinite(number)) return std::nullopt;
+    return number;
+}
+
+std::optional<bool> Preferences::boolean(const std::string& key) const {
+    const auto value = read(file_, key);
+    if (value == QString("true") || value == QString("1")) return true;
+    if (value == QString("false") || value == QString("0")) return false;
+    return std::nullopt;
+}
+
+void Preferences::setText(const std::string& key, const std::string& value) {
+    write(file_, key, QString::fromStdString(value));
+}
+
+void Preferences::setInteger(const std::string& key, long long value) {
+    write(file_, key, value);
+}
+
+void Preferences::setReal(const std::string& key, double value) {
+    write(file_, key, value);
+}
+
+void Preferences::setBoolean(const std::string& key, bool value) {
+    write(file_, key, value);
+}
+
+std::filesystem::path homeFolder() {
+    const auto home = folderFromEnvironment("HOME");
+    return home ? *home : homeOfUser();
+}
+
+}  // namespace sonavault
