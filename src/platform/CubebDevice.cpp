@@ -1,0 +1,238 @@
+#include "platform/CubebDevice.h"
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <string>
+#include <utility>
+
+#include "platform/CubebThread.h"
+
+namespace sonavault {
+
+namespace {
+
+using SteadyClock = std::chrono::steady_clock;
+
+// The longest that the control thread waits for an answer.
+constexpr std::chrono::milliseconds kAnswerWithin{900};
+
+// How soon a failed stream is noticed, and how often a device that failed is tried again.
+constexpr std::chrono::milliseconds kLookEvery{100};
+constexpr std::chrono::milliseconds kTryEvery{500};
+
+// A stream that is quiet for longer is taken for lost. A server whose sinks idle may work in blocks
+// of up to 2 s.
+constexpr std::chrono::seconds kQuietFor{5};
+
+constexpr std::chrono::hours kUntilCalled{1};
+
+struct Question {
+    bool answered = false;
+    bool abandoned = false;
+    std::optional<CubebDefaultInput> answer;
+};
+
+}  // namespace
+
+/// What the control thread and the device thread share, and the device thread's own work.
+class CubebDevice::Worker {
+  public:
+    // Control thread
+    std::optional<CubebDefaultInput> askDefaultInput();
+    Outcome begin(std::shared_ptr<CubebCaptureRun> run);
+    void want(std::shared_ptr<CubebCaptureRun> run);
+    bool quit();
+
+    // Device thread
+    void work();
+
+  private:
+    struct Order {
+        bool quit = false;
+        std::shared_ptr<CubebCaptureRun> wanted;
+        std::shared_ptr<Question> question;
+    };
+
+    Order awaitOrder();
+    void answer(Question& question);
+    void follow(const std::shared_ptr<CubebCaptureRun>& wanted);
+    void tend();
+    bool isLost();
+    void tryToOpen();
+    void report(const Outcome& outcome);
+
+    std::mutex mutex_;
+    std::condition_variable changed_;
+
+    // Under mutex_, which is never held over a call into the sound system
+    bool quit_ = false;
+    bool ended_ = false;
+    std::deque<std::shared_ptr<Question>> questions_;
+    std::shared_ptr<CubebCaptureRun> wanted_;
+    bool beginAwaited_ = false;
+    std::optional<Outcome> beginOutcome_;
+
+    // Device thread only
+    std::shared_ptr<CubebCaptureRun> run_;
+    std::unique_ptr<CubebCapture> capture_;
+    std::string backend_;
+    SteadyClock::time_point nextTry_;
+    SteadyClock::time_point lastSamples_;
+    FrameCount samplesSeen_ = 0;
+};
+
+std::optional<CubebDefaultInput> CubebDevice::Worker::askDefaultInput() {
+    const auto question = std::make_shared<Question>();
+    std::unique_lock lock(mutex_);
+    questions_.push_back(question);
+    changed_.notify_all();
+    if (!changed_.wait_for(lock, kAnswerWithin, [&] { return question->answered; }))
+        question->abandoned = true;
+    return question->answer;
+}
+
+Outcome CubebDevice::Worker::begin(std::shared_ptr<CubebCaptureRun> run) {
+    std::unique_lock lock(mutex_);
+    wanted_ = std::move(run);
+    beginOutcome_.reset();
+    beginAwaited_ = true;
+    changed_.notify_all();
+    changed_.wait_for(lock, kAnswerWithin, [this] { return beginOutcome_.has_value(); });
+    beginAwaited_ = false;
+    return beginOutcome_.value_or(Done{});
+}
+
+void CubebDevice::Worker::want(std::shared_ptr<CubebCaptureRun> run) {
+    std::scoped_lock lock(mutex_);
+    wanted_ = std::move(run);
+    changed_.notify_all();
+}
+
+bool CubebDevice::Worker::quit() {
+    std::unique_lock lock(mutex_);
+    quit_ = true;
+    changed_.notify_all();
+    return changed_.wait_for(lock, kAnswerWithin, [this] { return ended_; });
+}
+
+void CubebDevice::Worker::work() {
+    for (Order order = awaitOrder(); !order.quit; order = awaitOrder()) {
+        follow(order.wanted);
+        if (order.question)
+            answer(*order.question);
+        else
+            tend();
+    }
+    follow(nullptr);
+    std::scoped_lock lock(mutex_);
+    ended_ = true;
+    changed_.notify_all();
+}
+
+CubebDevice::Worker::Order CubebDevice::Worker::awaitOrder() {
+    std::unique_lock lock(mutex_);
+    const auto patience = run_ ? SteadyClock::duration(kLookEvery) : kUntilCalled;
+    changed_.wait_for(lock, patience,
+                      [this] { return quit_ || !questions_.empty() || wanted_ != run_; });
+    Order order{quit_, wanted_, nullptr};
+    while (!questions_.empty() && !order.question) {
+        if (!questions_.front()->abandoned) order.question = questions_.front();
+        questions_.pop_front();
+    }
+    return order;
+}
+
+void CubebDevice::Worker::answer(Question& question) {
+    std::optional<CubebDefaultInput> input;
+    if (capture_) {
+        input = capture_->context().defaultInput();
+    } else if (auto context = CubebContext::open()) {
+        input = context.value()->defaultInput();
+    }
+    std::scoped_lock lock(mutex_);
+    question.answer = std::move(input);
+    question.answered = true;
+    changed_.notify_all();
+}
+
+void CubebDevice::Worker::follow(const std::shared_ptr<CubebCaptureRun>& wanted) {
+    if (wanted == run_) return;
+    capture_.reset();
+    backend_.clear();
+    run_ = wanted;
+    nextTry_ = SteadyClock::now();
+}
+
+void CubebDevice::Worker::tend() {
+    if (!run_) return;
+    if (capture_ && isLost()) capture_.reset();
+    if (!capture_ && SteadyClock::now() >= nextTry_) tryToOpen();
+}
+
+bool CubebDevice::Worker::isLost() {
+    const auto now = SteadyClock::now();
+    const auto offered = run_->ring.offered();
+    if (offered != samplesSeen_) {
+        samplesSeen_ = offered;
+        lastSamples_ = now;
+    }
+    return run_->failed || now - lastSamples_ >= kQuietFor;
+}
+
+void CubebDevice::Worker::tryToOpen() {
+    run_->failed = false;
+    auto opened = CubebCapture::open(run_, backend_);
+    lastSamples_ = SteadyClock::now();
+    nextTry_ = lastSamples_ + kTryEvery;
+    if (!opened) {
+        report(Outcome::failure(opened.error()));
+        return;
+    }
+    capture_ = std::move(opened.value());
+    // While the server restarts, the system's bare devices would take the hardware away from it.
+    backend_ = capture_->context().backend();
+    report(Done{});
+}
+
+void CubebDevice::Worker::report(const Outcome& outcome) {
+    std::scoped_lock lock(mutex_);
+    if (!beginAwaited_ || beginOutcome_ || wanted_ != run_) return;
+    beginOutcome_ = outcome;
+    if (!outcome) wanted_.reset();
+    changed_.notify_all();
+}
+
+CubebDevice::CubebDevice() : worker_(std::make_shared<Worker>()) {
+    thread_ = std::thread([worker = worker_] {
+        nameThisThread("line-device");
+        worker->work();
+    });
+}
+
+CubebDevice::~CubebDevice() {
+    if (worker_->quit())
+        thread_.join();
+    else
+        thread_.detach();
+}
+
+std::optional<CubebDefaultInput> CubebDevice::defaultInput() {
+    return worker_->askDefaultInput();
+}
+
+Outcome CubebDevice::begin(std::shared_ptr<CubebCaptureRun> run) {
+    return worker_->begin(std::move(run));
+}
+
+void CubebDevice::carryOn(std::shared_ptr<CubebCaptureRun> run) {
+    worker_->want(std::move(run));
+}
+
+void CubebDevice::end() {
+    worker_->want(nullptr);
+}
+
+}  // namespace sonavault
