@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <span>
@@ -10,16 +11,25 @@ namespace sonavault {
 
 /// A file's bytes as they were at opening, mapped into memory for reading; unmapped at destruction.
 ///
-/// Owns: the mapping. Thread: any, also several at once.
+/// What the file gains afterwards is not seen, and no byte beyond its size at opening is part of
+/// bytes(). A file that is cut short while it is mapped must not be read where it was cut: the
+/// system ends a process that does. Nothing in this program shortens a day's file.
+///
+/// Owns: the mapping, not the descriptor. Thread: any, also several at once.
 class MappedFile {
   public:
-    /// Errors: words. An empty file gives no bytes and no error.
-    static Result<MappedFile> open(const std::filesystem::path& file);
+    /// How the bytes will be read, a hint for the system's read-ahead.
+    enum class Order { any, frontToBack };
+
+    /// Errors: the system's words, also for what is no plain file. An empty file gives no bytes and
+    /// no error.
+    static Result<MappedFile> open(const std::filesystem::path& file, Order order = Order::any);
 
     MappedFile(MappedFile&& other) noexcept;
     MappedFile& operator=(MappedFile&& other) noexcept;
     ~MappedFile();
 
+    /// Stay valid, and at the same address, when the MappedFile is moved.
     std::span<const std::uint8_t> bytes() const { return {data_, size_}; }
 
   private:
