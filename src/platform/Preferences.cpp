@@ -3,6 +3,7 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include <QLocale>
 #include <QSettings>
 #include <QString>
 #include <cmath>
@@ -25,7 +26,9 @@ std::optional<QString> read(const std::filesystem::path& file, const std::string
     return value.toString();
 }
 
-void write(const std::filesystem::path& file, const std::string& key, const QVariant& value) {
+// Always as text: in the memory of this process Qt would keep a number a number, and a reader here
+// would see another kind of value than a reader elsewhere.
+void write(const std::filesystem::path& file, const std::string& key, const QString& value) {
     QSettings settings(nameOf(file), QSettings::IniFormat);
     settings.setValue(QString::fromStdString(key), value);
     settings.sync();
@@ -91,15 +94,15 @@ void Preferences::setText(const std::string& key, const std::string& value) {
 }
 
 void Preferences::setInteger(const std::string& key, long long value) {
-    write(file_, key, value);
+    write(file_, key, QString::number(value));
 }
 
 void Preferences::setReal(const std::string& key, double value) {
-    write(file_, key, value);
+    write(file_, key, QString::number(value, 'g', QLocale::FloatingPointShortest));
 }
 
 void Preferences::setBoolean(const std::string& key, bool value) {
-    write(file_, key, value);
+    write(file_, key, value ? "true" : "false");
 }
 
 std::filesystem::path homeFolder() {

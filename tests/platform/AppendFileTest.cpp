@@ -1,0 +1,97 @@
+#include "platform/AppendFile.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <csignal>
+#include <string>
+#include <vector>
+
+#include "platform/DiskFlusher.h"
+#include "support/TempFolder.h"
+
+namespace sonavault::testing {
+namespace {
+
+std::span<const std::uint8_t> bytes(std::string_view text) {
+    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+
+std::unique_ptr<AppendFile> opened(const std::filesystem::path& file, DiskFlusher& flusher) {
+    auto result = AppendFile::open(file, flusher);
+    EXPECT_TRUE(result) << result.error();
+    return std::move(result.value());
+}
+
+TEST(AppendFile, makes_a_file_and_shows_each_write_at_once) {
+    TempFolder folder;
+    DiskFlusher flusher;
+    const auto file = opened(folder / "day.mp3", flusher);
+    EXPECT_EQ(readFile(folder / "day.mp3"), "");
+    EXPECT_TRUE(std::filesystem::exists(folder / "day.mp3"));
+    EXPECT_TRUE(file->write(bytes("one")));
+    EXPECT_EQ(readFile(folder / "day.mp3"), "one");
+    EXPECT_TRUE(file->write({}));
+    EXPECT_TRUE(file->write(bytes(std::string("\0two", 4))));
+    EXPECT_EQ(readFile(folder / "day.mp3"), std::string("one\0two", 7));
+}
+
+TEST(AppendFile, continues_what_is_there) {
+    TempFolder folder;
+    DiskFlusher flusher;
+    writeFile(folder / "day.mp3", "before ");
+    EXPECT_TRUE(opened(folder / "day.mp3", flusher)->write(bytes("after ")));
+    EXPECT_TRUE(opened(folder / "day.mp3", flusher)->write(bytes("later")));
+    EXPECT_EQ(readFile(folder / "day.mp3"), "before after later");
+}
+
+TEST(AppendFile, writes_behind_what_another_appended_meanwhile) {
+    TempFolder folder;
+    DiskFlusher flusher;
+    const auto one = opened(folder / "log.csv", flusher);
+    const auto two = opened(folder / "log.csv", flusher);
+    EXPECT_TRUE(one->write(bytes("1 one\n")));
+    EXPECT_TRUE(two->write(bytes("2 two\n")));
+    EXPECT_TRUE(one->write(bytes("3 one\n")));
+    EXPECT_EQ(readFile(folder / "log.csv"), "1 one\n2 two\n3 one\n");
+}
+
+TEST(AppendFile, says_why_it_cannot_be_opened) {
+    TempFolder folder;
+    DiskFlusher flusher;
+    const auto isFolder = AppendFile::open(folder.path(), flusher);
+    ASSERT_FALSE(isFolder);
+    EXPECT_EQ(isFolder.error(), "Is a directory");
+    const auto missing = AppendFile::open(folder / "none" / "day.mp3", flusher);
+    ASSERT_FALSE(missing);
+    EXPECT_EQ(missing.error(), "No such file or directory");
+}
+
+TEST(AppendFile, says_when_the_disk_is_full) {
+    DiskFlusher flusher;
+    const auto file = opened("/dev/full", flusher);
+    EXPECT_FALSE(file->write(bytes("one")));
+    EXPECT_TRUE(file->write({}));
+}
+
+TEST(AppendFile, says_when_only_a_part_was_taken_and_goes_on_when_there_is_room_again) {
+    TempFolder folder;
+    DiskFlusher flusher;
+    const auto file = opened(folder / "day.mp3", flusher);
+    const auto signalBefore = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit small{.rlim_cur = 60, .rlim_max = before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &small);
+    const bool taken = file->write(bytes(std::string(100, 'x')));
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, signalBefore);
+
+    EXPECT_FALSE(taken);
+    EXPECT_EQ(readFile(folder / "day.mp3"), std::string(60, 'x'));
+    EXPECT_TRUE(file->write(bytes("y")));
+    EXPECT_EQ(readFile(folder / "day.mp3"), std::string(60, 'x') + "y");
+}
+
+}  // namespace
+}  // namespace sonavault::testing
