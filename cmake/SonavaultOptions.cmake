@@ -21,7 +21,7 @@ if(SONAVAULT_TIDY)
     set(CMAKE_CXX_CLANG_TIDY clang-tidy --quiet)
 endif()
 
-add_compile_options(-Wall -Wextra -Wshadow -Wconversion)
+add_compile_options(-Wall -Wextra -Wshadow -Wconversion -Wno-missing-field-initializers)
 if(SONAVAULT_STRICT)
     add_compile_options(-Werror)
 endif()

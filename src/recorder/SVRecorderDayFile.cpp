@@ -6,6 +6,7 @@
 
 #include "platform/AtomicFile.h"
 #include "platform/AudioFileInfo.h"
+#include "platform/FileQueries.h"
 #include "platform/Format.h"
 #include "platform/LocalTime.h"
 #include "recorder/SVRecorder.h"
@@ -16,12 +17,6 @@
 namespace sonavault {
 
 namespace {
-
-std::uintmax_t sizeOf(const std::filesystem::path& file) {
-    std::error_code unreadable;
-    const auto size = std::filesystem::file_size(file, unreadable);
-    return unreadable ? 0 : size;
-}
 
 /// A manifest's number as the encoder is given it; a senseless one stays senseless and is refused
 /// there.
@@ -36,7 +31,7 @@ std::string threeDecimals(double value) {
 }  // namespace
 
 FrameCount existingFramesAt(const std::filesystem::path& audio, double targetSampleRate) {
-    if (sizeOf(audio) == 0) return 0;
+    if (fileSize(audio) == 0) return 0;
     const auto info = readAudioFileInfo(audio);
     if (!info) return 0;
     return static_cast<FrameCount>(info.value().durationSec() * targetSampleRate);
@@ -44,6 +39,8 @@ FrameCount existingFramesAt(const std::filesystem::path& audio, double targetSam
 
 bool SVRecorder::openMP3File(const OutputURLs& urls, const AudioFormat& sourceFormat,
                              WallTime now) {
+    const double rateBefore = pipeline_.activeSampleRate();
+    const auto formatsBefore = pipeline_.resamplerFormats();
     chooseQuality(urls);
     rebuildResamplerForRate();
 
@@ -52,6 +49,11 @@ bool SVRecorder::openMP3File(const OutputURLs& urls, const AudioFormat& sourceFo
         LAMEEncoder::create(static_cast<int>(rate), 1, activeBitrateKbps_, services_.log);
     if (!encoder) {
         log("LAMEEncoder init failed");
+        // A senseless rate must not outlive its manifest: the next day's file starts as if it had
+        // never been.
+        pipeline_.setActiveSampleRate(rateBefore);
+        if (formatsBefore && !pipeline_.resamplerFormats())
+            pipeline_.buildResampler(formatsBefore->input);
         return false;
     }
     if (const auto opened = encoder->open(urls.audio, services_.flusher); !opened) {
@@ -71,8 +73,7 @@ bool SVRecorder::openMP3File(const OutputURLs& urls, const AudioFormat& sourceFo
 
     // The first start of the day is the anchor of all later runs, so an existing manifest is never
     // written again.
-    std::error_code unreadable;
-    if (!std::filesystem::exists(urls.json, unreadable))
+    if (!pathExists(urls.json))
         writeManifest(urls.json, now, clockSecondsSinceMidnight(now), sourceFormat);
     writeCSVHeaderIfNeeded(urls.csv, services_.flusher);
 
@@ -83,7 +84,7 @@ bool SVRecorder::openMP3File(const OutputURLs& urls, const AudioFormat& sourceFo
 /// A file that has audio in it goes on as it began; only an empty one takes the quality that is now
 /// chosen.
 void SVRecorder::chooseQuality(const OutputURLs& urls) {
-    const auto manifest = sizeOf(urls.audio) > 0 ? readManifest(urls.json) : std::nullopt;
+    const auto manifest = fileSize(urls.audio) > 0 ? readManifest(urls.json) : std::nullopt;
     std::string origin;
     if (manifest && manifest->sampleRate && manifest->bitrateKbps) {
         pipeline_.setActiveSampleRate(asSetting(*manifest->sampleRate));

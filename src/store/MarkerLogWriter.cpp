@@ -2,6 +2,7 @@
 
 #include "platform/AppendFile.h"
 #include "platform/AtomicFile.h"
+#include "platform/FileQueries.h"
 #include "platform/Format.h"
 
 namespace sonavault {
@@ -27,16 +28,13 @@ std::string markerRow(const std::string& clockTime, const std::string& type,
 }
 
 void writeCSVHeaderIfNeeded(const std::filesystem::path& log, DiskFlusher& flusher) {
-    std::error_code unreadable;
-    if (std::filesystem::exists(log, unreadable)) return;
+    if (pathExists(log)) return;
     if (writeFileAtomically(log, kMarkerLogHeader)) flusher.flushSoon(log);
 }
 
 Outcome appendMarkerRow(const std::filesystem::path& log, const std::string& row,
                         DiskFlusher& flusher) {
-    std::error_code unreadable;
-    if (!std::filesystem::exists(log, unreadable))
-        return Outcome::failure("No such file or directory");
+    if (!pathExists(log)) return Outcome::failure("No such file or directory");
     auto file = AppendFile::open(log, flusher);
     if (!file) return Outcome::failure(file.error());
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(row.data());

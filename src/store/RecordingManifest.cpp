@@ -3,10 +3,10 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <cmath>
-#include <fstream>
-#include <iterator>
 
+#include "platform/FileQueries.h"
 #include "platform/LocalTime.h"
+#include "platform/ReadFile.h"
 #include "store/StationFolder.h"
 
 namespace sonavault {
@@ -84,23 +84,10 @@ class FieldReader {
     std::string error_;
 };
 
-Result<std::string> readAll(const std::filesystem::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    if (!in) return Result<std::string>::failure("the file can't be opened");
-    std::string bytes{std::istreambuf_iterator<char>(in), {}};
-    if (in.bad()) return Result<std::string>::failure("the file can't be read");
-    return bytes;
-}
-
 Result<RecordingManifest> readAndDecode(const std::filesystem::path& file) {
-    const auto bytes = readAll(file);
+    const auto bytes = readWholeFile(file);
     if (!bytes) return Result<RecordingManifest>::failure(bytes.error());
     return decodeManifest(bytes.value());
-}
-
-bool exists(const std::filesystem::path& file) {
-    std::error_code unreadable;
-    return std::filesystem::exists(file, unreadable);
 }
 
 }  // namespace
@@ -153,7 +140,7 @@ std::filesystem::path manifestURL(const std::filesystem::path& audio) {
 
 std::optional<RecordingManifest> loadManifest(const std::filesystem::path& audio, Log& log) {
     const auto file = manifestURL(audio);
-    if (!exists(file)) return std::nullopt;
+    if (!pathExists(file)) return std::nullopt;
     auto manifest = readAndDecode(file);
     if (manifest) return std::move(manifest.value());
     log.line("Sonavault: Manifest load failed at " + file.string() + ": " + manifest.error());

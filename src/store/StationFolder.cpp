@@ -1,5 +1,6 @@
 #include "store/StationFolder.h"
 
+#include "platform/FileQueries.h"
 #include "platform/LocalTime.h"
 
 namespace sonavault {
@@ -7,11 +8,6 @@ namespace sonavault {
 namespace {
 
 constexpr auto kStationFolderKey = "StationFolderPath";
-
-bool exists(const std::filesystem::path& path) {
-    std::error_code unreadable;
-    return std::filesystem::exists(path, unreadable);
-}
 
 }  // namespace
 
@@ -21,10 +17,10 @@ std::filesystem::path sidecarURL(const std::filesystem::path& audio, const std::
 
 std::optional<std::filesystem::path> StationFolder::stationPath() const {
     if (const auto chosen = shared_.text(kStationFolderKey);
-        chosen && !chosen->empty() && exists(*chosen))
+        chosen && !chosen->empty() && pathExists(*chosen))
         return *chosen;
     const auto usual = home_ / "Calderwave" / "Station";
-    if (exists(usual)) return usual;
+    if (pathExists(usual)) return usual;
     return std::nullopt;
 }
 

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+
+namespace sonavault {
+
+/// Whether anything is at the path, file or folder; what can't be looked at counts as absent.
+inline bool pathExists(const std::filesystem::path& path) {
+    std::error_code unreadable;
+    return std::filesystem::exists(path, unreadable);
+}
+
+/// Bytes in the file; 0 when there is none or it can't be looked at.
+inline std::uintmax_t fileSize(const std::filesystem::path& file) {
+    std::error_code unreadable;
+    const auto size = std::filesystem::file_size(file, unreadable);
+    return unreadable ? 0 : size;
+}
+
+}  // namespace sonavault

@@ -1,0 +1,31 @@
+#include "platform/ReadFile.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <memory>
+#include <system_error>
+
+namespace sonavault {
+
+namespace {
+
+Result<std::string> systemError() {
+    return Result<std::string>::failure(std::generic_category().message(errno));
+}
+
+}  // namespace
+
+Result<std::string> readWholeFile(const std::filesystem::path& file) {
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> in(std::fopen(file.c_str(), "rb"),
+                                                             &std::fclose);
+    if (!in) return systemError();
+    std::string bytes;
+    std::array<char, 65536> piece;
+    while (const auto count = std::fread(piece.data(), 1, piece.size(), in.get()))
+        bytes.append(piece.data(), count);
+    if (std::ferror(in.get())) return systemError();
+    return bytes;
+}
+
+}  // namespace sonavault

@@ -1,0 +1,158 @@
+#include "recorder/LAMEEncoder.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "platform/AudioFileInfo.h"
+#include "support/RecordedLog.h"
+#include "support/TempFolder.h"
+
+namespace sonavault {
+namespace {
+
+using testing::readFile;
+using testing::RecordedLog;
+using testing::TempFolder;
+using testing::writeFile;
+
+class Encoder : public ::testing::Test {
+  protected:
+    std::unique_ptr<LAMEEncoder> opened(int kbps = 24) {
+        auto encoder = LAMEEncoder::create(22050, 1, kbps, log_);
+        EXPECT_TRUE(encoder);
+        EXPECT_TRUE(encoder->open(file_, flusher_));
+        return encoder;
+    }
+
+    static std::vector<float> tone(std::size_t frames) {
+        std::vector<float> samples(frames);
+        for (std::size_t i = 0; i < frames; ++i)
+            samples[i] = 0.5F * std::sin(static_cast<float>(i) * 0.3F);
+        return samples;
+    }
+
+    TempFolder temp_;
+    RecordedLog log_;
+    DiskFlusher flusher_;
+    const std::filesystem::path file_ = temp_ / "day.mp3";
+};
+
+TEST_F(Encoder, refuses_settings_that_make_no_sense) {
+    EXPECT_FALSE(LAMEEncoder::create(0, 1, 24, log_));
+    EXPECT_FALSE(LAMEEncoder::create(-22050, 1, 24, log_));
+    EXPECT_FALSE(LAMEEncoder::create(1'000'000'000, 1, 24, log_));
+}
+
+TEST_F(Encoder, writes_frames_from_the_first_byte_on_with_no_tag_and_no_header_frame) {
+    auto encoder = opened(48);
+    encoder->encodeMono(tone(22050));
+    encoder->close();
+    const auto bytes = readFile(file_);
+    ASSERT_GT(bytes.size(), 1000U);
+    EXPECT_EQ(static_cast<unsigned char>(bytes[0]), 0xFF);
+    EXPECT_EQ(static_cast<unsigned char>(bytes[1]) & 0xE0, 0xE0);
+    for (const auto* tag : {"Xing", "Info", "LAME3.100", "ID3", "TAG"})
+        EXPECT_EQ(bytes.substr(0, 200).find(tag), std::string::npos);
+}
+
+TEST_F(Encoder, lets_the_library_choose_the_files_own_rate) {
+    const std::pair<int, double> kRates[] = {
+        {8, 8000}, {16, 16000}, {24, 16000}, {48, 22050}, {96, 22050}};
+    for (const auto& [kbps, rate] : kRates) {
+        std::filesystem::remove(file_);
+        auto encoder = opened(kbps);
+        encoder->encodeMono(tone(3 * 22050));
+        encoder->close();
+        const auto info = readAudioFileInfo(file_);
+        ASSERT_TRUE(info) << info.error();
+        EXPECT_EQ(info.value().sampleRate, rate) << kbps;
+        EXPECT_NEAR(info.value().durationSec(), 3.0, 0.25) << kbps;
+    }
+}
+
+TEST_F(Encoder, continues_a_file_and_never_shortens_it) {
+    auto first = opened();
+    first->encodeMono(tone(22050));
+    first->close();
+    const auto before = readFile(file_);
+    auto second = opened();
+    second->encodeMono(tone(22050));
+    second->close();
+    const auto after = readFile(file_);
+    EXPECT_GT(after.size(), before.size());
+    EXPECT_TRUE(after.starts_with(before));
+}
+
+TEST_F(Encoder, writes_as_it_goes_and_holds_back_only_what_the_library_holds) {
+    auto encoder = opened();
+    for (int i = 0; i < 20; ++i) encoder->encodeMono(tone(2205));
+    const auto info = readAudioFileInfo(file_);
+    ASSERT_TRUE(info);
+    EXPECT_GT(info.value().durationSec(), 1.7);
+    EXPECT_LT(info.value().durationSec(), 2.0);
+}
+
+TEST_F(Encoder, closed_twice_writes_nothing_more) {
+    auto encoder = opened();
+    encoder->encodeMono(tone(22050));
+    encoder->close();
+    const auto size = std::filesystem::file_size(file_);
+    encoder->close();
+    encoder->encodeMono(tone(22050));
+    EXPECT_EQ(std::filesystem::file_size(file_), size);
+}
+
+TEST_F(Encoder, is_flushed_and_closed_when_it_goes) {
+    std::uintmax_t unflushed = 0;
+    {
+        auto encoder = opened();
+        encoder->encodeMono(tone(22050));
+        unflushed = std::filesystem::file_size(file_);
+    }
+    EXPECT_GT(std::filesystem::file_size(file_), unflushed);
+}
+
+TEST_F(Encoder, not_open_encodes_nothing) {
+    auto encoder = LAMEEncoder::create(22050, 1, 24, log_);
+    encoder->encodeMono(tone(22050));
+    encoder->close();
+    EXPECT_FALSE(std::filesystem::exists(file_));
+    EXPECT_TRUE(log_.lines().empty());
+}
+
+TEST_F(Encoder, takes_a_buffer_of_any_length) {
+    auto encoder = opened();
+    encoder->encodeMono({});
+    encoder->encodeMono(tone(1));
+    encoder->encodeMono(tone(300'000));
+    encoder->close();
+    const auto info = readAudioFileInfo(file_);
+    ASSERT_TRUE(info);
+    EXPECT_NEAR(info.value().durationSec(), 300'001 / 22050.0, 0.15);
+    EXPECT_TRUE(log_.lines().empty());
+}
+
+TEST_F(Encoder, is_not_harmed_by_samples_that_are_no_numbers_or_absurd) {
+    auto encoder = opened();
+    std::vector<float> bad(4096, std::numeric_limits<float>::quiet_NaN());
+    for (std::size_t i = 0; i < bad.size(); i += 3) bad[i] = std::numeric_limits<float>::infinity();
+    for (std::size_t i = 1; i < bad.size(); i += 3) bad[i] = -3e38F;
+    for (int i = 0; i < 50; ++i) encoder->encodeMono(bad);
+    encoder->close();
+    const auto info = readAudioFileInfo(file_);
+    ASSERT_TRUE(info) << info.error();
+    EXPECT_NEAR(info.value().durationSec(), 50 * 4096 / 22050.0, 0.15);
+}
+
+TEST_F(Encoder, tells_why_a_file_cannot_be_opened) {
+    auto encoder = LAMEEncoder::create(22050, 1, 24, log_);
+    std::filesystem::create_directory(file_);
+    const auto opened = encoder->open(file_, flusher_);
+    ASSERT_FALSE(opened);
+    EXPECT_EQ(opened.error(), "Is a directory");
+}
+
+}  // namespace
+}  // namespace sonavault
