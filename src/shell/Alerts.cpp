@@ -1,0 +1,41 @@
+#include "shell/Alerts.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QPushButton>
+
+#include "shell/ApplicationIcon.h"
+
+namespace sonavault {
+namespace {
+
+constexpr int kIconSize = 64;
+
+void setIcon(QMessageBox& box, const Alert& alert) {
+    if (alert.showsApplicationIcon)
+        box.setIconPixmap(applicationIcon().pixmap(kIconSize, kIconSize));
+    else
+        box.setIcon(alert.style == Alert::warning ? QMessageBox::Warning
+                                                  : QMessageBox::Information);
+}
+
+}  // namespace
+
+int MessageBoxAlerts::showModally(const Alert& alert) {
+    QMessageBox box(QApplication::activeWindow());
+    setIcon(box, alert);
+    box.setWindowTitle(QStringLiteral("Sonavault"));
+    // What is quoted in a message, such as a file's name, must not be taken for markup.
+    box.setTextFormat(Qt::PlainText);
+    box.setText(alert.message);
+    box.setInformativeText(alert.information);
+    QList<QAbstractButton*> buttons;
+    for (const auto& title : alert.buttons)
+        buttons.append(box.addButton(title, QMessageBox::ActionRole));
+    box.setDefaultButton(static_cast<QPushButton*>(buttons.first()));
+    box.setEscapeButton(buttons.last());
+    box.exec();
+    return static_cast<int>(buttons.indexOf(box.clickedButton()));
+}
+
+}  // namespace sonavault

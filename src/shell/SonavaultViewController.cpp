@@ -1,0 +1,137 @@
+#include "shell/SonavaultViewController.h"
+
+namespace sonavault {
+
+SonavaultViewController::SonavaultViewController(ShellServices services)
+    : services_(std::move(services)),
+      rootView_(new KeyResponderView),
+      desk_(std::make_shared<RecorderDesk>()) {
+    desk_->onStatusText = [this](const std::string& text) { setStatusBarText(text); };
+    desk_->onAlert = [this](const std::string& message, const std::string& information) {
+        showWarning(message, information);
+    };
+}
+
+SonavaultViewController::~SonavaultViewController() {
+    displayTimer_.reset();
+    recorder_.reset();
+    delete rootView_.data();
+}
+
+// Start
+
+void SonavaultViewController::afterWindowReady() {
+    showRecordingStatus();
+    makeRecorder();
+    recorder_->applySourceMode(sourceMode());
+    if (autoResumesOnLaunch(services_.preferences)) autoResumeAtLaunch();
+    startDisplayLoop();
+}
+
+void SonavaultViewController::makeRecorder() {
+    recorder_ = std::make_unique<SVRecorder>(services_.recorder);
+    recorder_->setController(desk_);
+}
+
+void SonavaultViewController::autoResumeAtLaunch() {
+    recorder_->requestAutoResume();
+    launchAutoResume_.askedAtLaunch(recorder_->sourceMode(), recorder_->isRecording(), now());
+}
+
+void SonavaultViewController::startDisplayLoop() {
+    displayTimer_ = std::make_unique<QTimer>();
+    // A coarse timer may come late by a twentieth; a precise one also goes on under menus and
+    // alerts.
+    displayTimer_->setTimerType(Qt::PreciseTimer);
+    displayTimer_->setInterval(kTickMilliseconds);
+    QObject::connect(displayTimer_.get(), &QTimer::timeout, rootView_, [this] { tickDisplay(); });
+    displayTimer_->start();
+}
+
+// The tick
+
+void SonavaultViewController::tickDisplay() {
+    retryAutoResume();
+    showRecordingStatus();
+}
+
+void SonavaultViewController::retryAutoResume() {
+    if (!recorder_ || !launchAutoResume_.isTryDue(recorder_->isRecording(), now())) return;
+    // Without a device a try is sure to fail, and would leave a trace in the log and on the disk.
+    if (services_.recorder.lineInput.defaultDeviceName().empty()) return;
+    recorder_->requestAutoResume();
+}
+
+void SonavaultViewController::showRecordingStatus() {
+    const RecordingStatus status = recordingStatus();
+    rootView_->statusBar().connectionDot().setColour(connectionDotColour(status));
+    rootView_->recordingPanel().show(status);
+}
+
+RecordingStatus SonavaultViewController::recordingStatus() const {
+    if (!recorder_) return {};
+    return {
+        .source = recorder_->sourceMode(),
+        .isRecording = desk_->isRecording(),
+        .isWaiting = recorder_->isAutoResumeArmed() || launchAutoResume_.isWaiting(),
+        .isCadenzoConnected = recorder_->isCadenzoConnected(),
+        .durationSec = recorder_->currentRecordingDurationSec(),
+        .inputDb = desk_->recordingInputDb(),
+    };
+}
+
+void SonavaultViewController::setStatusBarText(const std::string& text) {
+    rootView_->statusBar().statusBarText().showText(QString::fromStdString(text));
+}
+
+// Choices that are kept
+
+SVRecorderSourceMode SonavaultViewController::sourceMode() const {
+    return sourceModeFromRawValue(services_.preferences.text(kSourceModeKey).value_or(""));
+}
+
+void SonavaultViewController::setSourceMode(SVRecorderSourceMode mode) {
+    services_.preferences.setText(kSourceModeKey, rawValue(mode));
+}
+
+void SonavaultViewController::autoResumeChosen(bool resumes) {
+    if (!resumes) launchAutoResume_.personDecided();
+    setStatusBarText(resumes ? "Auto-resume on launch: ON" : "Auto-resume on launch: OFF");
+}
+
+// The menu
+
+void SonavaultViewController::toggleRecordingFromMenu() {
+    if (!recorder_) return;
+    launchAutoResume_.personDecided();
+    recorder_->toggleRecording();
+}
+
+void SonavaultViewController::openLastRecordingFromMenu() {
+    if (!recorder_ || !recorder_->lastRecordingURL()) {
+        services_.alerts.showModally(
+            {.message = QStringLiteral("No recording yet"),
+             .information = QStringLiteral("Press ⌘R to start a recording first.")});
+        return;
+    }
+    const auto& file = *recorder_->lastRecordingURL();
+    if (!services_.openFile(file))
+        showWarning("The recording could not be opened",
+                    "No program on this computer opens " + file.string() + ".");
+}
+
+void SonavaultViewController::changeSource(SVRecorderSourceMode mode) {
+    setSourceMode(mode);
+    launchAutoResume_.personDecided();
+    if (recorder_) recorder_->applySourceMode(mode);
+    if (onSourceModeChanged) onSourceModeChanged();
+}
+
+void SonavaultViewController::showWarning(const std::string& message,
+                                          const std::string& information) {
+    services_.alerts.showModally({.style = Alert::warning,
+                                  .message = QString::fromStdString(message),
+                                  .information = QString::fromStdString(information)});
+}
+
+}  // namespace sonavault

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <QPointer>
+#include <QTimer>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "recorder/SVRecorder.h"
+#include "shell/KeyResponderView.h"
+#include "shell/LaunchAutoResume.h"
+#include "shell/RecorderDesk.h"
+#include "shell/RecordingStatus.h"
+#include "shell/ShellServices.h"
+
+namespace sonavault {
+
+/// Puts the program's objects together, in the order in which they need each other, and drives them
+/// from one tick.
+///
+/// It has three phases: constructed (there is a view, but no recorder and no timer), ready (from
+/// afterWindowReady() on), and quit, which is nothing more than destruction: the day's file is left
+/// as a crash would leave it.
+///
+/// Thread: main.
+class SonavaultViewController {
+  public:
+    explicit SonavaultViewController(ShellServices services);
+    ~SonavaultViewController();
+    SonavaultViewController(const SonavaultViewController&) = delete;
+    SonavaultViewController& operator=(const SonavaultViewController&) = delete;
+
+    /// The window's content. Owns: this object, also while a window shows it.
+    KeyResponderView& rootView() { return *rootView_; }
+
+    /// Called once when the window is on the screen: makes the recorder, gives it the chosen
+    /// source, begins recording if that is wanted at launch, and starts the tick.
+    void afterWindowReady();
+
+    /// The source last chosen, as the preferences have it; the line input without a known one.
+    /// Setting stores it at once, and changes nothing else.
+    SVRecorderSourceMode sourceMode() const;
+    void setSourceMode(SVRecorderSourceMode mode);
+
+    /// The person chose whether the next launch begins recording; tells so, and ends the waiting
+    /// for the line input that this launch may still be in when they chose against it.
+    void autoResumeChosen(bool resumes);
+
+    // What the menu asks for.
+    void toggleRecordingFromMenu();
+    void openLastRecordingFromMenu();
+    void setSourceLineInput() { changeSource(SVRecorderSourceMode::lineInput); }
+    void setSourceCadenzoTCP() { changeSource(SVRecorderSourceMode::cadenzoTCP); }
+
+    /// Told after the source has changed.
+    std::function<void()> onSourceModeChanged;
+
+    /// One sentence for the person at the desk; stands until the next one.
+    void setStatusBarText(const std::string& text);
+
+    /// Brings everything live on the screen up to date; runs 20 times a second from
+    /// afterWindowReady() on.
+    void tickDisplay();
+
+    /// Null until afterWindowReady().
+    const SVRecorder* recorder() const { return recorder_.get(); }
+
+    RecordingStatus recordingStatus() const;
+
+  private:
+    static constexpr int kTickMilliseconds = 50;
+
+    void startDisplayLoop();
+    void makeRecorder();
+    void autoResumeAtLaunch();
+    void retryAutoResume();
+    void changeSource(SVRecorderSourceMode mode);
+    void showRecordingStatus();
+    void showWarning(const std::string& message, const std::string& information);
+    double now() const { return secondsSince1970(services_.recorder.clock.now()); }
+
+    ShellServices services_;
+    QPointer<KeyResponderView> rootView_;
+    std::shared_ptr<RecorderDesk> desk_;
+    LaunchAutoResume launchAutoResume_;
+    std::unique_ptr<SVRecorder> recorder_;
+    std::unique_ptr<QTimer> displayTimer_;
+};
+
+}  // namespace sonavault

@@ -1,0 +1,43 @@
+#include "shell/StationServices.h"
+
+#include <QDesktopServices>
+#include <QUrl>
+
+#include "links/SVAudioServer.h"
+
+namespace sonavault {
+namespace {
+
+constexpr auto kStandardDomain = "com.calderwave.sonavault";
+constexpr auto kSharedDomain = "com.calderwave.shared";
+
+Preferences domain(const char* name) {
+    return Preferences(Preferences::fileForDomain(name));
+}
+
+bool openOnDesktop(const std::filesystem::path& file) {
+    return QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(file.string())));
+}
+
+}  // namespace
+
+StationServices::StationServices()
+    : preferences_(domain(kStandardDomain)), stationFolder_(homeFolder(), domain(kSharedDomain)) {}
+
+ShellServices StationServices::services() {
+    return {
+        .recorder = {.clock = clock_,
+                     .log = log_,
+                     .mainQueue = mainQueue_,
+                     .preferences = preferences_,
+                     .stationFolder = stationFolder_,
+                     .flusher = flusher_,
+                     .lineInput = lineInput_,
+                     .makeAudioLink = [this] { return std::make_unique<SVAudioServer>(log_); }},
+        .preferences = preferences_,
+        .alerts = alerts_,
+        .openFile = openOnDesktop,
+    };
+}
+
+}  // namespace sonavault

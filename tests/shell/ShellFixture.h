@@ -1,0 +1,120 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/LocalTime.h"
+#include "shell/AppDelegate.h"
+#include "support/ExpectedQtWarnings.h"
+#include "support/ManualClock.h"
+#include "support/ManualQueue.h"
+#include "support/RecordedLog.h"
+#include "support/ScopedTimeZone.h"
+#include "support/TempFolder.h"
+
+namespace sonavault::testing {
+
+/// A line input whose device and sound server come and go as the test likes.
+class SwitchedLineInput final : public AudioInput {
+  public:
+    AudioFormat outputFormat() override { return {48000, 2, true}; }
+    void installTap(int, const AudioFormat&, Tap tap) override { tap_ = std::move(tap); }
+    void removeTap() override { tap_ = nullptr; }
+    Outcome start() override {
+        ++starts;
+        if (!works) return Outcome::failure("there is no sound server");
+        running_ = true;
+        return Done{};
+    }
+    void stop() override { running_ = false; }
+    bool isRunning() const override { return running_; }
+    std::string defaultDeviceName() override {
+        ++questions;
+        return deviceName;
+    }
+
+    /// A second of a steady level, in the buffers of a real input.
+    void playOneSecond(float amplitude);
+
+    bool works = true;
+    std::string deviceName = "Studio console";
+    int starts = 0;
+    int questions = 0;
+
+  private:
+    Tap tap_;
+    bool running_ = false;
+};
+
+/// A link whose sender is the test.
+class ScriptedAudioLink final : public AudioLink {
+  public:
+    void start() override {}
+    void stop() override {}
+};
+
+/// Answers every alert at once, and keeps them.
+class RecordedAlerts final : public Alerts {
+  public:
+    int showModally(const Alert& alert) override {
+        shown.push_back(alert);
+        return 0;
+    }
+
+    std::vector<Alert> shown;
+};
+
+/// The whole program on a station of its own, with its clock, sources and alerts in the test's
+/// hands.
+class ShellFixture : public ::testing::Test {
+  protected:
+    ShellFixture();
+
+    static WallTime at(const std::string& utc);
+
+    ShellServices services();
+
+    /// As when the person starts the program.
+    void launch();
+    void quit() { delegate_.reset(); }
+
+    AppDelegate& delegate() { return *delegate_; }
+    SonavaultViewController& controller() { return *delegate_->viewController(); }
+    const SVRecorder& recorder() { return *controller().recorder(); }
+
+    /// Lets the clock go on and the display tick as often as it would have.
+    void passSeconds(double seconds);
+    void tickOnce();
+
+    /// The automation connects and agrees on a format, or goes away.
+    void connectCadenzo();
+    void dropCadenzo();
+
+    std::string statusText();
+    QColor dotColour();
+    RecordingPanel& panel() { return controller().rootView().recordingPanel(); }
+    std::filesystem::path dayFile() const;
+
+    // There is no window manager to tell the window's least size to.
+    const ExpectedQtWarnings offscreen_{"This plugin does not support propagateSizeHints()"};
+
+    TempFolder temp_;
+    const ScopedTimeZone zone_{"Europe/Berlin"};
+    ManualClock clock_{at("2026-03-02T13:05:09.123Z")};
+    RecordedLog log_;
+    ManualQueue mainQueue_;
+    Preferences preferences_{temp_ / "standard.conf"};
+    const StationFolder station_{temp_ / "home", Preferences(temp_ / "shared.conf")};
+    DiskFlusher flusher_;
+    SwitchedLineInput input_;
+    RecordedAlerts alerts_;
+    std::vector<std::filesystem::path> opened_;
+    bool opensFiles_ = true;
+    ScriptedAudioLink* link_ = nullptr;
+    std::unique_ptr<AppDelegate> delegate_;
+};
+
+}  // namespace sonavault::testing
