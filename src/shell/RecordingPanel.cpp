@@ -10,7 +10,7 @@
 namespace sonavault {
 namespace {
 
-constexpr QSize kSize{460, 300};
+constexpr QSize kSize{440, 330};
 constexpr int kMargin = 36;
 constexpr double kCorner = 8;
 
@@ -25,7 +25,8 @@ RecordingPanel::RecordingPanel(QWidget* parent)
     : QWidget(parent),
       dot_(new DotView(12, whiteLevel(0.65), this)),
       state_(new TextView({}, interfaceFont(18, QFont::DemiBold), kColorTitle, this)),
-      duration_(new TextView({}, digitsFont(64, QFont::DemiBold), kColorTitle, this)) {
+      duration_(new TextView({}, digitsFont(64, QFont::DemiBold), kColorTitle, this)),
+      caption_(new TextView({}, interfaceFont(14), kColorSlogan, this)) {
     setFixedSize(kSize);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(kMargin, kMargin - 4, kMargin, kMargin - 4);
@@ -36,7 +37,9 @@ RecordingPanel::RecordingPanel(QWidget* parent)
     heading->addWidget(dot_);
     heading->addWidget(state_, 1);
     column->addLayout(heading);
+    column->addSpacing(4);
     column->addWidget(duration_);
+    column->addWidget(caption_);
     column->addStretch();
 
     auto* rows = new QGridLayout;
@@ -63,6 +66,8 @@ void RecordingPanel::show(const RecordingStatus& status) {
     dot_->setColour(recordingStateColour(status));
     state_->showText(recordingStateText(status));
     duration_->showText(recordingDurationText(status));
+    duration_->setColour(status.isRecording ? kColorTitle : whiteLevel(0.65));
+    caption_->showText(recordingDurationCaption(status));
     source_->showText(sonavault::sourceText(status));
     level_->showText(sonavault::inputLevelText(status));
 }

@@ -33,6 +33,7 @@ class RecordingPanel final : public QWidget {
     DotView* dot_;
     TextView* state_;
     TextView* duration_;
+    TextView* caption_;
     TextView* source_ = nullptr;
     TextView* level_ = nullptr;
 };

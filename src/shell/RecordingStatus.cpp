@@ -35,6 +35,11 @@ QString recordingDurationText(const RecordingStatus& status) {
     return QString::fromStdString(formatTime(status.durationSec));
 }
 
+QString recordingDurationCaption(const RecordingStatus& status) {
+    return status.isRecording ? QStringLiteral("in today’s file")
+                              : QStringLiteral("no file is open");
+}
+
 QString sourceText(const RecordingStatus& status) {
     if (!status.source) return QStringLiteral("—");
     if (!isOnLink(status)) return QStringLiteral("Line input");

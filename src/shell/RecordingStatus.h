@@ -33,6 +33,9 @@ QColor recordingStateColour(const RecordingStatus& status);
 /// "HH:MM:SS", zeros while nothing is open.
 QString recordingDurationText(const RecordingStatus& status);
 
+/// What the duration is that of.
+QString recordingDurationCaption(const RecordingStatus& status);
+
 /// "Line input" or "Cadenzo TCP", and for the latter whether it is connected.
 QString sourceText(const RecordingStatus& status);
 

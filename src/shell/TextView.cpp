@@ -6,9 +6,7 @@ TextView::TextView(const QString& text, const QFont& font, const QColor& colour,
     : QLabel(parent) {
     setTextFormat(Qt::PlainText);
     setFont(font);
-    QPalette colours = palette();
-    colours.setColor(QPalette::WindowText, colour);
-    setPalette(colours);
+    setColour(colour);
     showText(text);
 }
 
@@ -16,6 +14,13 @@ void TextView::showText(const QString& shown) {
     if (shown == text()) return;
     setText(shown);
     setAccessibleName(shown);
+}
+
+void TextView::setColour(const QColor& colour) {
+    if (palette().color(QPalette::WindowText) == colour) return;
+    QPalette colours = palette();
+    colours.setColor(QPalette::WindowText, colour);
+    setPalette(colours);
 }
 
 }  // namespace sonavault

@@ -4,7 +4,7 @@
 
 namespace sonavault {
 
-/// One line of plain text in a fixed face and colour, which reads the same to the eye and to a
+/// One line of plain text in a face of its own, which reads the same to the eye and to a
 /// screen reader.
 class TextView final : public QLabel {
   public:
@@ -12,6 +12,9 @@ class TextView final : public QLabel {
 
     /// Does nothing when the text is the same, so that it may be set at every tick.
     void showText(const QString& text);
+
+    /// Likewise.
+    void setColour(const QColor& colour);
 };
 
 }  // namespace sonavault

@@ -63,6 +63,12 @@ TEST(RecordingDurationText, counts_whole_seconds_up_to_a_full_day) {
     EXPECT_EQ(text(recordingDurationText({.durationSec = 86399})), "23:59:59");
 }
 
+TEST(RecordingDurationCaption, does_not_claim_a_file_while_none_is_open) {
+    EXPECT_EQ(text(recordingDurationCaption({})), "no file is open");
+    EXPECT_EQ(text(recordingDurationCaption({.source = kLine, .isRecording = true})),
+              "in today’s file");
+}
+
 TEST(SourceText, names_the_source_and_the_state_of_the_link) {
     EXPECT_EQ(text(sourceText({})), "—");
     EXPECT_EQ(text(sourceText({.source = kLine})), "Line input");
