@@ -1,6 +1,7 @@
 #include "shell/MainMenu.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QApplication>
 #include <QMenu>
 #include <QMenuBar>
@@ -66,6 +67,11 @@ void addSourceMenu(QMenu& recording, const MainMenuActions& actions, MainMenu& m
     made.sourceCadenzoTCPItem =
         addCheckedItem(menu, QStringLiteral("Cadenzo TCP (port %1)").arg(SVAudioServer::kAudioPort),
                        actions.setSourceCadenzoTCP);
+    auto* choices = new QActionGroup(&menu);
+    // None is marked until it is known which one is chosen.
+    choices->setExclusionPolicy(QActionGroup::ExclusionPolicy::ExclusiveOptional);
+    choices->addAction(made.sourceLineInputItem);
+    choices->addAction(made.sourceCadenzoTCPItem);
 }
 
 void addRecordingMenu(QMenuBar& bar, const MainMenuActions& actions, MainMenu& made) {
