@@ -77,7 +77,8 @@ class Reader {
         if (!number(2, hours)) return false;
         take(':');
         if (!number(2, minutes) || hours > 23 || minutes > 59) return false;
-        ahead = (east ? 1 : -1) * (hours * 3600 + minutes * 60);
+        const std::int64_t difference = hours * 3600 + minutes * 60;
+        ahead = east ? difference : -difference;
         return true;
     }
 

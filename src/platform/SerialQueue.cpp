@@ -40,7 +40,8 @@ void SerialQueue::Thread::run(const std::string& name, bool withEventLoop) {
         inbox.wait();
         inbox.runWaiting();
     }
-    // Here, and not by the owner: work belongs to this thread to its end.
+    // What the last work still posted is let go here and not by the owner: it belongs to this
+    // thread to its end.
     inbox.clear();
 }
 
@@ -63,10 +64,7 @@ SerialQueue::SerialQueue(const std::string& name) : thread_(std::make_unique<Thr
 }
 
 SerialQueue::~SerialQueue() {
-    post([thread = thread_.get()] {
-        thread->ended = true;
-        thread->inbox.clear();
-    });
+    post([thread = thread_.get()] { thread->ended = true; });
     thread_->thread.join();
 }
 

@@ -77,6 +77,7 @@ TEST_F(DiskFlusherOn, flushes_a_new_file_with_the_folder_that_names_it) {
 TEST_F(DiskFlusherOn, flushes_a_file_that_was_closed_without_waiting_for_the_interval) {
     begin(kNever);
     auto file = open("day.mp3");
+    ASSERT_TRUE(disk_.waitForWhole(folder_.path(), 1));
     write(*file);
     EXPECT_EQ(disk_.dataCount(folder_ / "day.mp3"), 0);
     file.reset();

@@ -134,7 +134,7 @@ TEST_F(PreferencesFile, reads_every_double_back_to_the_last_bit) {
 }
 
 TEST_F(PreferencesFile, survives_one_that_is_no_preference_file) {
-    rewrite(std::string("\0\xff\xfe[[[\n===\n", 12));
+    rewrite(std::string("\0\xff\xfe[[[\n===\n", 11));
     EXPECT_EQ(preferences_.text("Key"), std::nullopt);
     preferences_.setText("Key", "value");
     EXPECT_EQ(preferences_.text("Key"), "value");

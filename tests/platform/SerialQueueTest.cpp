@@ -127,18 +127,25 @@ TEST(SerialQueue, ends_though_its_work_goes_on_posting_itself) {
     struct Endless {
         SerialQueue& queue;
         std::shared_ptr<int> ran;
+        std::shared_ptr<void> held;
         void operator()() const {
             ++*ran;
             queue.post(*this);
         }
     };
     const auto ran = std::make_shared<int>(0);
+    std::string letGoOn;
     {
         SerialQueue queue("endless");
-        queue.post(Endless{queue, ran});
+        const auto letGo = [&letGoOn](int* number) {
+            letGoOn = nameOfThisThread();
+            delete number;
+        };
+        queue.post(Endless{queue, ran, std::shared_ptr<int>(new int(0), letGo)});
         queue.runAndWait([] {});
     }
     EXPECT_GE(*ran, 1);
+    EXPECT_EQ(letGoOn, "endless");
     EXPECT_EQ(ran.use_count(), 1) << "work that did not run was not let go";
 }
 

@@ -17,8 +17,6 @@
 #include "support/ScopedEnvironment.h"
 #include "support/TempFolder.h"
 
-extern char** environ;
-
 namespace sonavault::testing {
 namespace {
 
@@ -159,6 +157,7 @@ TEST_F(SingleInstanceIn, crosses_out_a_copy_that_has_ended) {
     Child zombie;
     enter(zombie);
     zombie.dieUnnoticed();
+    EXPECT_FALSE(instance_.enter(zombie.id()));
     int gone = 0;
     {
         Child reaped;
