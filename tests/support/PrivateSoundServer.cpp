@@ -28,6 +28,9 @@ constexpr std::chrono::seconds kStartWithin{20};
 // does.
 constexpr char kLikeHardware[] = "norewinds=1";
 
+// What the server and the players print, all together.
+constexpr char kOutput[] = "output";
+
 constexpr int kToneSeconds = 120;
 
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
@@ -108,7 +111,8 @@ void PrivateSoundServer::start() {
     std::filesystem::remove(folder_ / "native");
     server_ = launch({"pulseaudio", "-n", "-F", (folder_ / "server.pa").string(), "--daemonize=no",
                       "--exit-idle-time=-1", "--use-pid-file=no", "--disallow-exit=yes",
-                      "--disable-shm=yes", "--realtime=no", "--high-priority=no"});
+                      "--disable-shm=yes", "--realtime=no", "--high-priority=no"},
+                     kOutput);
     awaitConnection();
 }
 
@@ -151,11 +155,12 @@ void PrivateSoundServer::playTone(double hertz, const std::string& sink) {
     if (!std::filesystem::exists(file)) writeFile(file, toneSamples(hertz, devices_.sampleRate));
     players_.push_back(launch({"pacat", "--playback", "--raw", "--format=float32ne", "--channels=1",
                                "--rate=" + std::to_string(devices_.sampleRate),
-                               "--latency-msec=100", "--device=" + sink, file.string()}));
+                               "--latency-msec=100", "--device=" + sink, file.string()},
+                              kOutput));
 }
 
 void PrivateSoundServer::playFile(const std::filesystem::path& file, const std::string& sink) {
-    players_.push_back(launch({"paplay", "--device=" + sink, file.string()}));
+    players_.push_back(launch({"paplay", "--device=" + sink, file.string()}, kOutput));
 }
 
 void PrivateSoundServer::stopPlaying() {
@@ -173,16 +178,20 @@ void PrivateSoundServer::setDefaultInput(const std::string& source) {
     control({"set-default-source", source});
 }
 
-void PrivateSoundServer::control(const std::vector<std::string>& arguments) {
+std::string PrivateSoundServer::control(const std::vector<std::string>& arguments) {
     std::vector<std::string> command{"pactl"};
     command.insert(command.end(), arguments.begin(), arguments.end());
-    const pid_t child = launch(command);
+    std::filesystem::remove(folder_ / "answer");
+    const pid_t child = launch(command, "answer");
     int status = 0;
     if (::waitpid(child, &status, 0) != child || status != 0)
-        throw std::runtime_error("pactl " + arguments.front() + " failed: " + output());
+        throw std::runtime_error("pactl " + arguments.front() +
+                                 " failed: " + readFile(folder_ / "answer"));
+    return readFile(folder_ / "answer");
 }
 
-pid_t PrivateSoundServer::launch(const std::vector<std::string>& command) const {
+pid_t PrivateSoundServer::launch(const std::vector<std::string>& command,
+                                 const std::string& outputName) const {
     auto changes = environment_;
     changes["HOME"] = folder_.path().string();
     changes["XDG_CONFIG_HOME"] = folder_.path().string();
@@ -191,7 +200,7 @@ pid_t PrivateSoundServer::launch(const std::vector<std::string>& command) const 
     auto environmentTexts = overlay(changes);
     const auto arguments = pointersTo(argumentTexts);
     const auto variables = pointersTo(environmentTexts);
-    const std::string outputFile = (folder_ / "output").string();
+    const std::string outputFile = (folder_ / outputName).string();
 
     // Between fork and exec only what a signal handler may do: other threads may hold locks.
     const pid_t child = ::fork();

@@ -65,14 +65,15 @@ class PrivateSoundServer {
 
     void setDefaultInput(const std::string& source);
 
-    /// Runs the server's control program with these arguments and waits for it.
-    void control(const std::vector<std::string>& arguments);
+    /// Runs the server's control program with these arguments and waits for it; gives what it
+    /// printed.
+    std::string control(const std::vector<std::string>& arguments);
 
     /// What the server printed, for a failing test's message.
     std::string output() const { return readFile(folder_ / "output"); }
 
   private:
-    pid_t launch(const std::vector<std::string>& command) const;
+    pid_t launch(const std::vector<std::string>& command, const std::string& outputName) const;
     void awaitConnection();
     void writeConfiguration() const;
     static void end(pid_t child);
