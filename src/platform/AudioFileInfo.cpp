@@ -1,6 +1,7 @@
 #include "platform/AudioFileInfo.h"
 
 #include <algorithm>
+#include <bitset>
 #include <cmath>
 #include <cstring>
 #include <map>
@@ -104,13 +105,17 @@ void Mp3Walk::judgeLast(Mp3Run& run) {
     run.end = behind;
 }
 
-/// Whether the header behind a frame is one, and not sound that a torn frame's length points at.
+/// Whether a frame begins at `behind`, where the one at `frame` ends, and not sound that a torn
+/// frame's length points at.
 bool Mp3Walk::isFollowedBy(std::int64_t frame, std::int64_t behind) const {
     const auto next = headerAt(behind);
     if (!next) return false;
     if (isSameStream(frame, behind)) return true;
     const std::int64_t afterNext = behind + next->frameBytes;
-    return afterNext == end_ || headerAt(afterNext);
+    if (afterNext == end_) return true;
+    if (!headerAt(afterNext)) return false;
+    // A lone frame between two other streams, unless the second began before it.
+    return isSameStream(behind, afterNext) || findChain(frame + 1, afterNext) == afterNext;
 }
 
 std::optional<Mp3Header> Mp3Walk::headerAt(std::int64_t at) const {
@@ -144,13 +149,19 @@ std::int64_t Mp3Walk::findTrueFrame(std::int64_t from) const {
 }
 
 /// The first place in [from, to) where frames of the kind of the one at `to` begin that lead up to
-/// it; `to` when there is none.
+/// it; `to` when there is none. Two frames' bytes at most are searched.
 std::int64_t Mp3Walk::findChain(std::int64_t from, std::int64_t to) const {
     const std::uint32_t kind = kindAt(to);
+    // A chain that meets one that led elsewhere leads there too: no header is looked at twice.
+    std::bitset<2 * kMp3MaxFrameBytes> tried;
+    const auto index = [from](std::int64_t at) { return static_cast<std::size_t>(at - from); };
     for (std::int64_t place = from; place < to; ++place) {
         place = findSync(data_ + place, data_ + to) - data_;
         std::int64_t link = place;
-        while (link < to && kindAt(link) == kind) link += headerAt(link)->frameBytes;
+        while (link < to && kindAt(link) == kind && !tried[index(link)]) {
+            tried.set(index(link));
+            link += headerAt(link)->frameBytes;
+        }
         if (link == to) return place;
     }
     return to;

@@ -172,6 +172,32 @@ TEST(AudioFileInfo, is_not_led_astray_by_a_header_in_the_sound_that_points_at_a_
     expectTrueLength(mp3.frames(5).raw(bytes).frames(50, kThird));
 }
 
+TEST(AudioFileInfo, is_not_led_astray_by_a_header_in_the_sound_that_points_at_the_next_recording) {
+    // From the 18th byte of the torn frame a header of another kind claims the rest of it to its
+    // last byte.
+    SyntheticMp3 torn;
+    torn.tornFrame(18 + 72);
+    std::string bytes = torn.bytes();
+    bytes.replace(18, 4, mp3HeaderBytes(kCrummy, false));
+    SyntheticMp3 mp3;
+    expectTrueLength(mp3.frames(5).raw(bytes).frames(50, kReallyGood));
+}
+
+TEST(AudioFileInfo, is_not_led_astray_when_a_torn_frame_points_at_what_looks_like_a_header) {
+    const std::string falseHeader = mp3HeaderBytes({8000, 16, Padding::never, false}, false);
+    for (const auto& after : kShapes)
+        for (int torn = 4; torn < 104; ++torn) {
+            // Only where the sound of the next recording's first frame is.
+            const int place = 108 - torn;
+            if (place < 4 || place + 4 > mp3FrameBytes(after, false)) continue;
+            SyntheticMp3 mp3;
+            mp3.frames(5).tornFrame(torn).frames(50, after);
+            std::string bytes = mp3.bytes();
+            bytes.replace(6 * 108, 4, falseHeader);
+            EXPECT_EQ(lengthOf(bytes), mp3.lengthInFrames()) << describe(after) << " " << torn;
+        }
+}
+
 TEST(AudioFileInfo, takes_a_whole_frame_for_whole_though_its_sound_looks_like_a_header) {
     SyntheticMp3 whole;
     whole.frames(1);
