@@ -7,9 +7,7 @@ namespace sonavault {
 SVAudioServer::SVAudioServer(Log& log, std::uint16_t port)
     : server_("com.calderwave.sonavault.audiosrv", "Sonavault audio server:", port, log, *this) {}
 
-SVAudioServer::~SVAudioServer() {
-    server_.stop();
-}
+SVAudioServer::~SVAudioServer() = default;
 
 void SVAudioServer::start() {
     server_.start();

@@ -46,6 +46,8 @@ class SVAudioServer final : public AudioLink, private ClientProtocol {
     void handshakeRefused(std::span<const std::uint8_t> bytes);
 
     AudioStream stream_;
+
+    // Destroyed first: until then its queue calls the rest.
     SingleClientServer server_;
 };
 

@@ -51,7 +51,7 @@ SingleClientServer::SingleClientServer(const std::string& queueLabel, std::strin
       queue_(queueLabel) {}
 
 SingleClientServer::~SingleClientServer() {
-    stop();
+    queue_.runAndWait([this] { closeListener(); });
 }
 
 void SingleClientServer::start() {
@@ -59,7 +59,9 @@ void SingleClientServer::start() {
 }
 
 void SingleClientServer::stop() {
-    queue_.runAndWait([this] { closeListener(); });
+    queue_.runAndWait([this] {
+        if (closeListener()) protocol_.listenerStateChanged(ListenerState::cancelled);
+    });
 }
 
 void SingleClientServer::log(std::string_view text) {
@@ -82,7 +84,7 @@ void SingleClientServer::openListener() {
     postEvent([this] { protocol_.listenerStateChanged(ListenerState::ready); });
 }
 
-void SingleClientServer::closeListener() {
+bool SingleClientServer::closeListener() {
     life_ = Lifetime();  // what is still queued concerns nobody
     acceptIsPosted_ = false;
     if (connection_ && connection_->socket) {
@@ -92,12 +94,12 @@ void SingleClientServer::closeListener() {
     }
     connection_.reset();
     protocol_.forgetClient();
-    if (!listener_) return;
+    if (!listener_) return false;
     listener_->disconnect();
     listener_->close();
     queue_.post([closed = std::shared_ptr<QTcpServer>(std::move(listener_))] {});
     listeningPort_ = 0;
-    protocol_.listenerStateChanged(ListenerState::cancelled);
+    return true;
 }
 
 void SingleClientServer::connectionsWaiting() {

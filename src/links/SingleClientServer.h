@@ -51,8 +51,9 @@ class ClientProtocol {
 /// first; a sender that closes and connects again is never taken for a second one.
 ///
 /// Thread: construction, start(), stop() and destruction on the main thread; everything else
-/// happens on a queue of the server's own, on which also the protocol is called. Owns: the queue,
-/// the listener and the connection.
+/// happens on a queue of the server's own, on which also the protocol is called. Destruction does
+/// what stop() does, but tells the protocol nothing; an object that is its own server's protocol
+/// declares the server as its last member. Owns: the queue, the listener and the connection.
 class SingleClientServer {
   public:
     /// `logPrefix` begins each line, as "Sonavault audio server:". `port` 0 lets the system choose
@@ -84,7 +85,7 @@ class SingleClientServer {
     struct Connection;
 
     void openListener();
-    void closeListener();
+    bool closeListener();
     void connectionsWaiting();
     void acceptNext();
     void acceptFailed();

@@ -316,6 +316,22 @@ TEST(SVAudioServer, may_be_destroyed_at_any_moment_of_a_stream) {
     }
 }
 
+TEST(SVAudioServer, calls_nobody_when_it_is_destroyed) {
+    RecordedLog log;
+    HeardCallbacks heard;
+    LinkClient client;
+    {
+        SVAudioServer server(log, 0);
+        heard.listenTo(server);
+        server.start();
+        ASSERT_TRUE(client.connectTo(server.listeningPort()));
+        ASSERT_TRUE(client.send(handshakeBytes(44100, 2, 32, Order::little)));
+        ASSERT_TRUE(eventually([&] { return !heard.events().empty(); }));
+    }
+    EXPECT_THAT(heard.events(), ElementsAre(kStereo));
+    EXPECT_THAT(heard.states(), ElementsAre(ListenerState::ready));
+}
+
 TEST(SVAudioServer, works_without_any_callback) {
     RecordedLog log;
     SVAudioServer server(log, 0);

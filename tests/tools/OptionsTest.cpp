@@ -1,0 +1,85 @@
+#include "automation/Options.h"
+
+#include <gtest/gtest.h>
+
+namespace sonavault::automation {
+namespace {
+
+Result<Options> parsed(const QStringList& arguments) {
+    return parseOptions(QStringList{"sonavault-automation"} + arguments);
+}
+
+TEST(Options, are_a_stereo_programme_to_this_machine_without_any) {
+    const auto options = parsed({});
+    ASSERT_TRUE(options);
+    EXPECT_EQ(options.value().host, "127.0.0.1");
+    EXPECT_EQ(options.value().port, 9171);
+    EXPECT_EQ(options.value().format.sampleRate, 44100);
+    EXPECT_EQ(options.value().format.channels, 2);
+    EXPECT_FALSE(options.value().format.bigEndian);
+    EXPECT_EQ(options.value().signal.kind, SignalKind::programme);
+    EXPECT_FALSE(options.value().durationSec);
+    EXPECT_FALSE(options.value().once);
+}
+
+TEST(Options, take_every_setting) {
+    const auto options =
+        parsed({"--host",      "studio",     "--port",       "1234",      "--rate",   "192000",
+                "--channels",  "8",          "--byte-order", "big",       "--signal", "tone-bursts",
+                "--frequency", "440.5",      "--level",      "-12",       "--seed",   "9",
+                "--duration",  "2.5",        "--once",       "--drop-at", "1:2",      "--drop-at",
+                "10:1",        "--stall-at", "5:1"});
+    ASSERT_TRUE(options) << options.error();
+    const Options& all = options.value();
+    EXPECT_EQ(all.host, "studio");
+    EXPECT_EQ(all.port, 1234);
+    EXPECT_EQ(all.format.sampleRate, 192000);
+    EXPECT_EQ(all.format.channels, 8);
+    EXPECT_TRUE(all.format.bigEndian);
+    EXPECT_EQ(all.signal.kind, SignalKind::toneBursts);
+    EXPECT_EQ(all.signal.sampleRate, 192000);
+    EXPECT_EQ(all.signal.frequency, 440.5);
+    EXPECT_EQ(all.signal.level, -12);
+    EXPECT_EQ(all.signal.seed, 9U);
+    EXPECT_EQ(all.durationSec, 2.5);
+    EXPECT_TRUE(all.once);
+    EXPECT_EQ(all.plan.at(1.5), AirState::dropped);
+    EXPECT_EQ(all.plan.at(5.5), AirState::stalled);
+    EXPECT_EQ(all.plan.at(10.5), AirState::dropped);
+}
+
+TEST(Options, refuse_what_the_link_does_not_carry) {
+    for (const QStringList& wrong : {QStringList{"--rate", "7999"},
+                                     {"--rate", "192001"},
+                                     {"--channels", "0"},
+                                     {"--channels", "9"},
+                                     {"--byte-order", "middle"},
+                                     {"--signal", "song"},
+                                     {"--level", "0"},
+                                     {"--level", "nan"},
+                                     {"--frequency", "30000"},
+                                     {"--port", "70000"},
+                                     {"--drop-at", "5"},
+                                     {"--stall-at", "x:1"},
+                                     {"--duration", "-1"},
+                                     {"--nonsense"},
+                                     {"stray"}}) {
+        const auto options = parsed(wrong);
+        ASSERT_FALSE(options) << wrong.join(' ').toStdString();
+        EXPECT_FALSE(options.error().empty());
+    }
+}
+
+TEST(Options, know_when_help_is_wanted_and_name_every_option_in_it) {
+    const auto options = parsed({"--help"});
+    ASSERT_TRUE(options);
+    EXPECT_TRUE(options.value().wantsHelp);
+    const std::string help = helpText();
+    for (const char* option :
+         {"--host", "--port", "--rate", "--channels", "--byte-order", "--once", "--signal",
+          "--frequency", "--level", "--seed", "--duration", "--drop-at", "--stall-at"})
+        EXPECT_NE(help.find(option), std::string::npos) << option;
+}
+
+}  // namespace
+}  // namespace sonavault::automation
