@@ -7,8 +7,8 @@
 
 namespace sonavault {
 
-/// Puts `bytes` under the name `file` in one step: a reader sees the old content or the new, never a part. A failure
-/// leaves the old content and no temporary behind.
+/// Puts `bytes` under the name `file` in one step: a reader sees the old content or the new, never
+/// a part. A failure leaves the old content and no temporary behind.
 ///
 /// The bytes are on their way to the disk, not yet on it: DiskFlusher::flushSoon sees to that.
 ///

@@ -11,7 +11,7 @@ using FrameCount = std::int64_t;
 
 /// How 32-bit float samples are laid out.
 struct AudioFormat {
-    double sampleRate = 0;     ///< Units: hertz
+    double sampleRate = 0;  ///< Units: hertz
     int channels = 0;
     bool interleaved = false;  ///< false: one plane a channel
 
@@ -26,7 +26,8 @@ std::string describe(const AudioFormat& format);
 
 /// Samples that somebody else owns, for the length of a call.
 ///
-/// Interleaved: planes[0] holds frames * channels samples. Otherwise planes[c] holds the frames of channel c.
+/// Interleaved: planes[0] holds frames * channels samples. Otherwise planes[c] holds the frames of
+/// channel c.
 struct AudioBufferView {
     AudioFormat format;
     FrameCount frames = 0;

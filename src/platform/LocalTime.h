@@ -20,18 +20,20 @@ struct LocalTime {
 /// Thread: any.
 LocalTime localTime(WallTime moment);
 
-/// The date of `moment` in local time as "yyyy-MM-dd", in the Gregorian calendar whatever the locale.
+/// The date of `moment` in local time as "yyyy-MM-dd", in the Gregorian calendar whatever the
+/// locale.
 std::string isoDateString(WallTime moment);
 
-/// What the wall clock shows at `moment`, as seconds with fraction: hour, minute and second, not time elapsed, so that
-/// 03:00 is 10800 on a day of any length.
+/// What the wall clock shows at `moment`, as seconds with fraction: hour, minute and second, not
+/// time elapsed, so that 03:00 is 10800 on a day of any length.
 double clockSecondsSinceMidnight(WallTime moment);
 
-/// `moment` in UTC in the internet date-time form with milliseconds: "2026-03-01T14:05:09.123Z" (RFC 3339).
+/// `moment` in UTC in the internet date-time form with milliseconds: "2026-03-01T14:05:09.123Z"
+/// (RFC 3339).
 std::string iso8601WithMilliseconds(WallTime moment);
 
-/// Reads what iso8601WithMilliseconds writes, with any number of fractional digits and any zone offset.
-/// A text without fractional seconds is refused, as is one that is no real date.
+/// Reads what iso8601WithMilliseconds writes, with any number of fractional digits and any zone
+/// offset. A text without fractional seconds is refused, as is one that is no real date.
 bool parseIso8601WithFraction(const std::string& text, WallTime& moment);
 
 }  // namespace sonavault

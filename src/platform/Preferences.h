@@ -8,15 +8,16 @@ namespace sonavault {
 
 /// One preference domain: an INI file that other programs may read and write at any time.
 ///
-/// Each read sees what is on disk at that moment, each write is on disk when it returns (and never half-written). A value
-/// of the wrong kind reads as absent.
+/// Each read sees what is on disk at that moment, each write is on disk when it returns (and never
+/// half-written). A value of the wrong kind reads as absent.
 ///
 /// Thread: main.
 class Preferences {
   public:
     explicit Preferences(std::filesystem::path file) : file_(std::move(file)) {}
 
-    /// The file of a domain such as "com.calderwave.sonavault", in the person's configuration folder.
+    /// The file of a domain such as "com.calderwave.sonavault", in the person's configuration
+    /// folder.
     static std::filesystem::path fileForDomain(const std::string& domain);
 
     bool contains(const std::string& key) const;
