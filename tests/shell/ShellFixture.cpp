@@ -2,12 +2,10 @@
 
 namespace sonavault::testing {
 
-void SwitchedLineInput::playOneSecond(float amplitude) {
-    constexpr FrameCount kFrames = 4096;
-    const std::vector<float> samples(kFrames * 2, amplitude);
+void SwitchedLineInput::deliver(FrameCount frames, float amplitude) {
+    const std::vector<float> samples(static_cast<std::size_t>(frames * 2), amplitude);
     const float* plane = samples.data();
-    for (FrameCount done = 0; done < 48000; done += kFrames)
-        if (tap_ && running_) tap_(AudioBufferView{outputFormat(), kFrames, &plane});
+    if (tap_ && running_) tap_(AudioBufferView{outputFormat(), frames, &plane});
 }
 
 ShellFixture::ShellFixture() {
@@ -54,6 +52,15 @@ void ShellFixture::passSeconds(double seconds) {
     for (double passed = 0; passed < seconds - 1e-9; passed += 0.05) {
         clock_.advance(0.05);
         tickOnce();
+    }
+}
+
+void ShellFixture::playSeconds(double seconds, float amplitude) {
+    constexpr FrameCount kBuffer = 4800;
+    const double bufferSeconds = static_cast<double>(kBuffer) / input_.outputFormat().sampleRate;
+    for (double played = 0; played < seconds - 1e-9; played += bufferSeconds) {
+        clock_.advance(bufferSeconds);
+        input_.deliver(kBuffer, amplitude);
     }
 }
 

@@ -36,8 +36,8 @@ class SwitchedLineInput final : public AudioInput {
         return deviceName;
     }
 
-    /// A second of a steady level, in the buffers of a real input.
-    void playOneSecond(float amplitude);
+    /// One buffer of a steady level.
+    void deliver(FrameCount frames, float amplitude);
 
     bool works = true;
     std::string deviceName = "Studio console";
@@ -88,6 +88,10 @@ class ShellFixture : public ::testing::Test {
     /// Lets the clock go on and the display tick as often as it would have.
     void passSeconds(double seconds);
     void tickOnce();
+
+    /// A steady level on the line input, true to the clock: each buffer arrives when its last frame
+    /// was heard.
+    void playSeconds(double seconds, float amplitude);
 
     /// The automation connects and agrees on a format, or goes away.
     void connectCadenzo();

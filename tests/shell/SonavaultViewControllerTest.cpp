@@ -1,6 +1,8 @@
 #include "shell/SonavaultViewController.h"
 
 #include <QTest>
+#include <atomic>
+#include <thread>
 
 #include "shell/ShellFixture.h"
 
@@ -70,7 +72,7 @@ TEST_F(ControllerTest, records_nothing_at_launch_when_auto_resume_is_off) {
 TEST_F(ControllerTest, ticks_by_itself_once_it_is_ready) {
     launch();
     controller().toggleRecordingFromMenu();
-    input_.playOneSecond(0.5F);
+    playSeconds(1, 0.5F);
     EXPECT_TRUE(QTest::qWaitFor([this] { return panel().stateText() == "Recording"; }, 2000));
 }
 
@@ -108,10 +110,7 @@ TEST_F(ControllerTest, shows_the_length_of_the_day_and_the_level_while_recording
     launch();
     EXPECT_EQ(panel().durationText(), "00:00:00");
     controller().toggleRecordingFromMenu();
-    for (int second = 0; second < 3; ++second) {
-        clock_.advance(1);
-        input_.playOneSecond(0.5F);
-    }
+    playSeconds(3.5, 0.5F);
     tickOnce();
     EXPECT_EQ(panel().stateText(), "Recording");
     EXPECT_EQ(panel().sourceText(), "Line input");
@@ -119,10 +118,25 @@ TEST_F(ControllerTest, shows_the_length_of_the_day_and_the_level_while_recording
     EXPECT_EQ(panel().inputLevelText(), "−6 dBFS");
 }
 
+TEST_F(ControllerTest, goes_on_ticking_while_a_source_delivers_on_its_own_thread) {
+    launch();
+    controller().toggleRecordingFromMenu();
+    std::atomic<bool> delivered = false;
+    std::thread source([&] {
+        playSeconds(5.5, 0.5F);
+        delivered = true;
+    });
+    while (!delivered) tickOnce();
+    source.join();
+    tickOnce();
+    EXPECT_EQ(panel().durationText(), "00:00:05");
+    EXPECT_EQ(panel().inputLevelText(), "−6 dBFS");
+}
+
 TEST_F(ControllerTest, shows_no_level_after_recording_has_stopped) {
     launch();
     controller().toggleRecordingFromMenu();
-    input_.playOneSecond(0.5F);
+    playSeconds(1, 0.5F);
     controller().toggleRecordingFromMenu();
     tickOnce();
     EXPECT_EQ(panel().stateText(), "Not recording");
@@ -180,7 +194,7 @@ TEST_F(ControllerTest, says_so_when_nothing_opens_the_last_recording) {
 TEST_F(ControllerTest, leaves_the_recording_as_a_crash_would_when_it_quits) {
     launch();
     controller().toggleRecordingFromMenu();
-    input_.playOneSecond(0.5F);
+    playSeconds(1, 0.5F);
     quit();
     EXPECT_TRUE(log_.containing("stopped").empty());
     EXPECT_GT(std::filesystem::file_size(dayFile()), 0U);
