@@ -79,6 +79,10 @@ void SingleClientServer::openListener() {
     listener_ = std::move(listener);
     QObject::connect(listener_.get(), &QTcpServer::newConnection, [this] { connectionsWaiting(); });
     QObject::connect(listener_.get(), &QTcpServer::acceptError, [this] { acceptFailed(); });
+    retryAccepting_ = std::make_unique<QTimer>();
+    retryAccepting_->setSingleShot(true);
+    QObject::connect(retryAccepting_.get(), &QTimer::timeout,
+                     [this] { listener_->resumeAccepting(); });
     listeningPort_ = listener_->serverPort();
     log("listening on " + std::to_string(listeningPort_));
     postEvent([this] { protocol_.listenerStateChanged(ListenerState::ready); });
@@ -95,6 +99,7 @@ bool SingleClientServer::closeListener() {
     connection_.reset();
     protocol_.forgetClient();
     if (!listener_) return false;
+    retryAccepting_.reset();
     listener_->disconnect();
     listener_->close();
     queue_.post([closed = std::shared_ptr<QTcpServer>(std::move(listener_))] {});
@@ -122,8 +127,7 @@ void SingleClientServer::acceptFailed() {
         case QAbstractSocket::NetworkError:
         case QAbstractSocket::SocketResourceError:
         case QAbstractSocket::UnknownSocketError:
-            QTimer::singleShot(kAcceptRetryMs, listener_.get(),
-                               [listener = listener_.get()] { listener->resumeAccepting(); });
+            retryAccepting_->start(kAcceptRetryMs);
             return;
         default:
             break;

@@ -14,6 +14,7 @@
 
 class QTcpServer;
 class QTcpSocket;
+class QTimer;
 
 namespace sonavault {
 
@@ -109,6 +110,7 @@ class SingleClientServer {
     // On the queue
     Lifetime life_;
     std::unique_ptr<QTcpServer> listener_;
+    std::unique_ptr<QTimer> retryAccepting_;
     std::shared_ptr<Connection> connection_;
     std::vector<std::uint8_t> received_;
     bool acceptIsPosted_ = false;

@@ -187,7 +187,12 @@ TEST_F(SingleClientServerTest, keeps_no_descriptor_of_a_thousand_clients) {
         if (i % 3 == 1) client.socket().write("half");
         if (i % 3 == 2) client.abort();
     }
-    EXPECT_TRUE(eventually([&] { return openDescriptors() <= before; }))
+    LinkClient last(port());
+    ASSERT_TRUE(last.send(text("last")));
+    ASSERT_TRUE(eventually([&] { return protocol_.count("last") == 1; }));
+    last.close();
+    EXPECT_TRUE(eventually([&] { return protocol_.events().back() == "gone"; }));
+    EXPECT_TRUE(eventually([&] { return openDescriptors() == before; }))
         << before << " before, " << openDescriptors() << " after";
     EXPECT_EQ(protocol_.count("ready"), protocol_.count("gone"));
 }
