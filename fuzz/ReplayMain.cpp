@@ -7,8 +7,8 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
-/// Runs a fuzz target over the files of a corpus, where libFuzzer is not at hand. An empty corpus is a failure: it would
-/// prove nothing.
+/// Runs a fuzz target over the files of a corpus, where libFuzzer is not at hand. An empty corpus
+/// is a failure: it would prove nothing.
 int main(int argc, char** argv) {
     int replayed = 0;
     for (int i = 1; i < argc; ++i) {
@@ -16,7 +16,8 @@ int main(int argc, char** argv) {
             if (!entry.is_regular_file()) continue;
             std::ifstream in(entry.path(), std::ios::binary);
             const std::vector<char> bytes{std::istreambuf_iterator<char>(in), {}};
-            LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+            LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()),
+                                   bytes.size());
             ++replayed;
         }
     }

@@ -11,7 +11,9 @@ using WallTime = std::chrono::time_point<std::chrono::system_clock, std::chrono:
 using Seconds = std::chrono::duration<double>;
 
 /// Seconds from `from` to `to`, negative when `to` is earlier.
-inline double secondsBetween(WallTime from, WallTime to) { return Seconds(to - from).count(); }
+inline double secondsBetween(WallTime from, WallTime to) {
+    return Seconds(to - from).count();
+}
 
 /// The moment `seconds` after `from`, to the nanosecond.
 inline WallTime after(WallTime from, double seconds) {
@@ -19,9 +21,12 @@ inline WallTime after(WallTime from, double seconds) {
 }
 
 /// `moment` as seconds since 1970, the form in which throttles and the hub keep time.
-inline double secondsSince1970(WallTime moment) { return Seconds(moment.time_since_epoch()).count(); }
+inline double secondsSince1970(WallTime moment) {
+    return Seconds(moment.time_since_epoch()).count();
+}
 
-/// Where the program takes the time from: given at construction, so that a test can be any second of any year.
+/// Where the program takes the time from: given at construction, so that a test can be any second
+/// of any year.
 ///
 /// Thread: any.
 class Clock {

@@ -23,7 +23,8 @@ class Lifetime {
     /// `work`, but doing nothing once this Lifetime is gone.
     template <class Work>
     auto guard(Work work) const {
-        return [alive = std::weak_ptr<int>(alive_), work = std::move(work)](auto&&... arguments) mutable {
+        return [alive = std::weak_ptr<int>(alive_),
+                work = std::move(work)](auto&&... arguments) mutable {
             if (alive.lock()) work(std::forward<decltype(arguments)>(arguments)...);
         };
     }

@@ -9,13 +9,15 @@ namespace sonavault {
 /// Nothing to report: the value of an operation that either works or has an error.
 struct Done {};
 
-/// Either what an operation gave or why it could not: the caller must look before it takes the value.
+/// Either what an operation gave or why it could not: the caller must look before it takes the
+/// value.
 ///
 /// `E` is the reason in words unless the caller has to tell reasons apart.
 template <class T, class E = std::string>
 class [[nodiscard]] Result {
   public:
-    Result(T value) : content_(std::in_place_index<0>, std::move(value)) {}  // NOLINT: meant to convert
+    Result(T value)
+        : content_(std::in_place_index<0>, std::move(value)) {}  // NOLINT: meant to convert
 
     static Result failure(E error) { return Result(std::in_place_index<1>, std::move(error)); }
 

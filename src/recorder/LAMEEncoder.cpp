@@ -70,6 +70,7 @@ void LAMEEncoder::ensureBuf(std::size_t frames) {
 
 void LAMEEncoder::encodeMono(std::span<const float> samples) {
     if (!gfp_ || !file_ || samples.empty()) return;
+    hasEncoded_ = true;
     ensureBuf(samples.size());
     bounded_.resize(samples.size());
     std::transform(samples.begin(), samples.end(), bounded_.begin(), boundedSample);
@@ -86,7 +87,8 @@ void LAMEEncoder::writeEncoded(int bytes) {
 
 void LAMEEncoder::close() {
     if (!gfp_ || !file_) return;
-    writeEncoded(lame_encode_flush(gfp_, outBuf_.data(), static_cast<int>(outBuf_.size())));
+    if (hasEncoded_)
+        writeEncoded(lame_encode_flush(gfp_, outBuf_.data(), static_cast<int>(outBuf_.size())));
     file_.reset();
     lame_close(gfp_);
     gfp_ = nullptr;

@@ -40,7 +40,8 @@ class LAMEEncoder {
     void encodeMono(std::span<const float> samples);
 
     /// Flushes the library's last frame, which ends in padding, and closes the file. Does nothing
-    /// when not open.
+    /// when not open, and writes nothing when nothing was encoded: a start that failed leaves no
+    /// sound.
     void close();
 
   private:
@@ -53,6 +54,7 @@ class LAMEEncoder {
     std::unique_ptr<AppendFile> file_;
     std::vector<std::uint8_t> outBuf_;
     std::vector<float> bounded_;
+    bool hasEncoded_ = false;
 };
 
 }  // namespace sonavault

@@ -35,7 +35,7 @@ void SonavaultViewController::makeRecorder() {
 
 void SonavaultViewController::autoResumeAtLaunch() {
     recorder_->requestAutoResume();
-    launchAutoResume_.askedAtLaunch(recorder_->sourceMode(), recorder_->isRecording(), now());
+    owedRecording_.askedFor(now());
 }
 
 void SonavaultViewController::startDisplayLoop() {
@@ -51,14 +51,18 @@ void SonavaultViewController::startDisplayLoop() {
 // The tick
 
 void SonavaultViewController::tickDisplay() {
-    retryAutoResume();
+    tryOwedRecording();
     showRecordingStatus();
 }
 
-void SonavaultViewController::retryAutoResume() {
-    if (!recorder_ || !launchAutoResume_.isTryDue(recorder_->isRecording(), now())) return;
+void SonavaultViewController::tryOwedRecording() {
+    if (!recorder_) return;
+    if (!owedRecording_.isTryDue(recorder_->isRecording(), recorder_->isAutoResumeArmed(), now()))
+        return;
     // Without a device a try is sure to fail, and would leave a trace in the log and on the disk.
-    if (services_.recorder.lineInput.defaultDeviceName().empty()) return;
+    if (recorder_->sourceMode() == SVRecorderSourceMode::lineInput &&
+        services_.recorder.lineInput.defaultDeviceName().empty())
+        return;
     recorder_->requestAutoResume();
 }
 
@@ -73,7 +77,7 @@ RecordingStatus SonavaultViewController::recordingStatus() const {
     return {
         .source = recorder_->sourceMode(),
         .isRecording = desk_->isRecording(),
-        .isWaiting = recorder_->isAutoResumeArmed() || launchAutoResume_.isWaiting(),
+        .isWaiting = recorder_->isAutoResumeArmed() || owedRecording_.isWaiting(),
         .isCadenzoConnected = recorder_->isCadenzoConnected(),
         .durationSec = recorder_->currentRecordingDurationSec(),
         .inputDb = desk_->recordingInputDb(),
@@ -95,7 +99,7 @@ void SonavaultViewController::setSourceMode(SVRecorderSourceMode mode) {
 }
 
 void SonavaultViewController::autoResumeChosen(bool resumes) {
-    if (!resumes) launchAutoResume_.personDecided();
+    if (!resumes) owedRecording_.personDecided();
     setStatusBarText(resumes ? "Auto-resume on launch: ON" : "Auto-resume on launch: OFF");
 }
 
@@ -103,7 +107,7 @@ void SonavaultViewController::autoResumeChosen(bool resumes) {
 
 void SonavaultViewController::toggleRecordingFromMenu() {
     if (!recorder_) return;
-    launchAutoResume_.personDecided();
+    owedRecording_.personDecided();
     recorder_->toggleRecording();
 }
 
@@ -122,7 +126,7 @@ void SonavaultViewController::openLastRecordingFromMenu() {
 
 void SonavaultViewController::changeSource(SVRecorderSourceMode mode) {
     setSourceMode(mode);
-    launchAutoResume_.personDecided();
+    owedRecording_.personDecided();
     if (recorder_) recorder_->applySourceMode(mode);
     if (onSourceModeChanged) onSourceModeChanged();
 }

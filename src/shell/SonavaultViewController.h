@@ -8,7 +8,7 @@
 
 #include "recorder/SVRecorder.h"
 #include "shell/KeyResponderView.h"
-#include "shell/LaunchAutoResume.h"
+#include "shell/OwedRecording.h"
 #include "shell/RecorderDesk.h"
 #include "shell/RecordingStatus.h"
 #include "shell/ShellServices.h"
@@ -42,8 +42,8 @@ class SonavaultViewController {
     SVRecorderSourceMode sourceMode() const;
     void setSourceMode(SVRecorderSourceMode mode);
 
-    /// The person chose whether the next launch begins recording; tells so, and ends the waiting
-    /// for the line input that this launch may still be in when they chose against it.
+    /// The person chose whether the next launch begins recording; tells so. Choosing against it
+    /// also ends the waiting that this launch may still be in.
     void autoResumeChosen(bool resumes);
 
     // What the menu asks for.
@@ -73,7 +73,7 @@ class SonavaultViewController {
     void startDisplayLoop();
     void makeRecorder();
     void autoResumeAtLaunch();
-    void retryAutoResume();
+    void tryOwedRecording();
     void changeSource(SVRecorderSourceMode mode);
     void showRecordingStatus();
     void showWarning(const std::string& message, const std::string& information);
@@ -82,7 +82,7 @@ class SonavaultViewController {
     ShellServices services_;
     QPointer<KeyResponderView> rootView_;
     std::shared_ptr<RecorderDesk> desk_;
-    LaunchAutoResume launchAutoResume_;
+    OwedRecording owedRecording_;
     std::unique_ptr<SVRecorder> recorder_;
     std::unique_ptr<QTimer> displayTimer_;
 };

@@ -114,6 +114,12 @@ TEST_F(Encoder, is_flushed_and_closed_when_it_goes) {
     EXPECT_GT(std::filesystem::file_size(file_), unflushed);
 }
 
+TEST_F(Encoder, closed_before_any_sound_leaves_an_empty_file) {
+    opened()->close();
+    EXPECT_TRUE(std::filesystem::exists(file_));
+    EXPECT_EQ(std::filesystem::file_size(file_), 0U);
+}
+
 TEST_F(Encoder, not_open_encodes_nothing) {
     auto encoder = LAMEEncoder::create(22050, 1, 24, log_);
     encoder->encodeMono(tone(22050));

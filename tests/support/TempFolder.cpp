@@ -8,7 +8,8 @@
 namespace sonavault::testing {
 
 TempFolder::TempFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "sonavault-test-XXXXXX").string();
+    std::string pattern =
+        (std::filesystem::temp_directory_path() / "sonavault-test-XXXXXX").string();
     if (!mkdtemp(pattern.data())) throw std::runtime_error("no temporary folder: " + pattern);
     path_ = pattern;
 }

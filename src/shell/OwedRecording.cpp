@@ -1,13 +1,10 @@
-#include "shell/LaunchAutoResume.h"
+#include "shell/OwedRecording.h"
 
 namespace sonavault {
 
-void LaunchAutoResume::askedAtLaunch(SVRecorderSourceMode source, bool recording, double now) {
-    if (source == SVRecorderSourceMode::lineInput && !recording) lastTry_ = now;
-}
-
-bool LaunchAutoResume::isTryDue(bool recording, double now) {
+bool OwedRecording::isTryDue(bool recording, bool armed, double now) {
     if (recording) lastTry_.reset();
+    if (armed) lastTry_ = now;
     if (!lastTry_) return false;
     // A computer that has just started often sets its clock, in either direction.
     const bool due = now - *lastTry_ > kTryEverySec || now < *lastTry_;
