@@ -3,16 +3,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <sys/resource.h>
-
 #include <condition_variable>
-#include <cstdio>
 #include <filesystem>
 #include <mutex>
+#include <vector>
 
 #include "links/Eventually.h"
 #include "links/LinkClient.h"
 #include "support/RecordedLog.h"
+#include "support/ScarceDescriptors.h"
 
 namespace sonavault::testing {
 namespace {
@@ -212,30 +211,6 @@ TEST_F(SingleClientServerTest, holds_at_most_a_client_and_a_newcomer_of_a_crowd_
     ASSERT_TRUE(last.send(text("last")));
     EXPECT_TRUE(eventually([&] { return protocol_.count("last") == 1; }));
 }
-
-/// As few descriptors as a process can have, for the length of a test.
-class ScarceDescriptors {
-  public:
-    ScarceDescriptors() {
-        getrlimit(RLIMIT_NOFILE, &before_);
-        rlimit few = before_;
-        few.rlim_cur = 256;
-        setrlimit(RLIMIT_NOFILE, &few);
-        while (std::FILE* file = std::fopen("/dev/null", "r")) files_.push_back(file);
-    }
-    ~ScarceDescriptors() {
-        while (!files_.empty()) giveOneBack();
-        setrlimit(RLIMIT_NOFILE, &before_);
-    }
-    void giveOneBack() {
-        std::fclose(files_.back());
-        files_.pop_back();
-    }
-
-  private:
-    rlimit before_{};
-    std::vector<std::FILE*> files_;
-};
 
 TEST_F(SingleClientServerTest, takes_clients_again_once_a_shortage_of_descriptors_is_over) {
     // The sanitizers need descriptors for what they see the first time, so a whole round comes
