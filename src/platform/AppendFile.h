@@ -32,7 +32,6 @@ class AppendFile {
     bool write(std::span<const std::uint8_t> bytes);
 
   private:
-    struct Descriptor;
     AppendFile(std::shared_ptr<SharedDescriptor> descriptor, DiskFlusher& flusher);
 
     std::shared_ptr<SharedDescriptor> descriptor_;

@@ -11,8 +11,8 @@ namespace sonavault {
 /// The computer's line input: whatever the person made the default input device.
 ///
 /// Thread: all calls on one control thread, usually the main one. None waits longer than about a
-/// second, also when the sound server is frozen. The tap is called on a thread of the input's own,
-/// never on the control thread.
+/// second, also when the sound server is frozen, and no second one waits for the same frozen
+/// server. The tap is called on a thread of the input's own, never on the control thread.
 class AudioInput {
   public:
     using Tap = std::function<void(const AudioBufferView&)>;
@@ -43,6 +43,10 @@ class AudioInput {
 
     /// The name of the default input device as people know it; empty when there is none.
     virtual std::string defaultDeviceName() = 0;
+
+    /// Whether there was an input device when last looked for, and looks again in the background.
+    /// Never waits; false before the first look has ended, and while one takes long.
+    virtual bool lookForDevice() = 0;
 };
 
 }  // namespace sonavault

@@ -52,6 +52,8 @@ class CubebAudioInput final : public AudioInput {
 
     std::string defaultDeviceName() override;
 
+    bool lookForDevice() override { return device_.lookForInput(); }
+
   private:
     struct Wish {
         int bufferFrames;

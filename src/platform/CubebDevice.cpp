@@ -31,7 +31,6 @@ constexpr std::chrono::hours kUntilCalled{1};
 
 struct Question {
     bool answered = false;
-    bool abandoned = false;
     std::optional<CubebDefaultInput> answer;
 };
 
@@ -42,6 +41,7 @@ class CubebDevice::Worker {
   public:
     // Control thread
     std::optional<CubebDefaultInput> askDefaultInput();
+    bool lookForInput();
     Outcome begin(std::shared_ptr<CubebCaptureRun> run);
     void want(std::shared_ptr<CubebCaptureRun> run);
     bool quit();
@@ -57,6 +57,7 @@ class CubebDevice::Worker {
     };
 
     Order awaitOrder();
+    bool isStuck() const { return unanswered_ && !unanswered_->answered; }
     void answer(Question& question);
     void follow(const std::shared_ptr<CubebCaptureRun>& wanted);
     void tend();
@@ -71,6 +72,8 @@ class CubebDevice::Worker {
     bool quit_ = false;
     bool ended_ = false;
     std::deque<std::shared_ptr<Question>> questions_;
+    std::shared_ptr<Question> look_;
+    std::shared_ptr<Question> unanswered_;  // whoever asked it waited in vain
     std::shared_ptr<CubebCaptureRun> wanted_;
     bool beginAwaited_ = false;
     std::optional<Outcome> beginOutcome_;
@@ -87,11 +90,22 @@ class CubebDevice::Worker {
 std::optional<CubebDefaultInput> CubebDevice::Worker::askDefaultInput() {
     const auto question = std::make_shared<Question>();
     std::unique_lock lock(mutex_);
+    if (isStuck()) return std::nullopt;
     questions_.push_back(question);
     changed_.notify_all();
     if (!changed_.wait_for(lock, kAnswerWithin, [&] { return question->answered; }))
-        question->abandoned = true;
+        unanswered_ = question;
     return question->answer;
+}
+
+bool CubebDevice::Worker::lookForInput() {
+    std::scoped_lock lock(mutex_);
+    if (look_ && !look_->answered) return false;
+    const bool isThere = look_ && look_->answer;
+    look_ = std::make_shared<Question>();
+    questions_.push_back(look_);
+    changed_.notify_all();
+    return isThere;
 }
 
 Outcome CubebDevice::Worker::begin(std::shared_ptr<CubebCaptureRun> run) {
@@ -100,7 +114,8 @@ Outcome CubebDevice::Worker::begin(std::shared_ptr<CubebCaptureRun> run) {
     beginOutcome_.reset();
     beginAwaited_ = true;
     changed_.notify_all();
-    changed_.wait_for(lock, kAnswerWithin, [this] { return beginOutcome_.has_value(); });
+    if (!isStuck())
+        changed_.wait_for(lock, kAnswerWithin, [this] { return beginOutcome_.has_value(); });
     beginAwaited_ = false;
     return beginOutcome_.value_or(Done{});
 }
@@ -138,8 +153,8 @@ CubebDevice::Worker::Order CubebDevice::Worker::awaitOrder() {
     changed_.wait_for(lock, patience,
                       [this] { return quit_ || !questions_.empty() || wanted_ != run_; });
     Order order{quit_, wanted_, nullptr};
-    while (!questions_.empty() && !order.question) {
-        if (!questions_.front()->abandoned) order.question = questions_.front();
+    if (!questions_.empty()) {
+        order.question = questions_.front();
         questions_.pop_front();
     }
     return order;
@@ -221,6 +236,10 @@ CubebDevice::~CubebDevice() {
 
 std::optional<CubebDefaultInput> CubebDevice::defaultInput() {
     return worker_->askDefaultInput();
+}
+
+bool CubebDevice::lookForInput() {
+    return worker_->lookForInput();
 }
 
 Outcome CubebDevice::begin(std::shared_ptr<CubebCaptureRun> run) {

@@ -29,6 +29,9 @@ class CubebDevice {
     /// Nothing when there is no input device, and when no answer comes in time.
     std::optional<CubebDefaultInput> defaultInput();
 
+    /// Whether the last look found an input device; begins another and does not wait for it.
+    bool lookForInput();
+
     /// Captures into `run` until end(), opening the device again whenever it fails.
     ///
     /// Success when the device was opened, and also when no answer comes in time: then capture

@@ -6,9 +6,9 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <string>
-#include <system_error>
 #include <utility>
+
+#include "platform/SystemError.h"
 
 namespace sonavault {
 namespace {
@@ -24,28 +24,24 @@ struct Descriptor {
     Descriptor& operator=(const Descriptor&) = delete;
 };
 
-std::string words(int error) {
-    return std::generic_category().message(error);
-}
-
 }  // namespace
 
 Result<MappedFile> MappedFile::open(const std::filesystem::path& file, Order order) {
     using Opened = Result<MappedFile>;
     // Without O_NONBLOCK a pipe under that name would wait for a writer.
     const Descriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    if (descriptor.number < 0) return Opened::failure(words(errno));
+    if (descriptor.number < 0) return Opened::failure(systemWords(errno));
 
     struct stat status {};
-    if (::fstat(descriptor.number, &status) != 0) return Opened::failure(words(errno));
-    if (S_ISDIR(status.st_mode)) return Opened::failure(words(EISDIR));
+    if (::fstat(descriptor.number, &status) != 0) return Opened::failure(systemWords(errno));
+    if (S_ISDIR(status.st_mode)) return Opened::failure(systemWords(EISDIR));
     if (!S_ISREG(status.st_mode)) return Opened::failure("Not a plain file");
 
     MappedFile mapped;
     if (status.st_size == 0) return mapped;
     const auto size = static_cast<std::size_t>(status.st_size);
     void* const address = ::mmap(nullptr, size, PROT_READ, MAP_SHARED, descriptor.number, 0);
-    if (address == MAP_FAILED) return Opened::failure(words(errno));
+    if (address == MAP_FAILED) return Opened::failure(systemWords(errno));
     if (order == Order::frontToBack) ::madvise(address, size, MADV_SEQUENTIAL);
     mapped.data_ = static_cast<const std::uint8_t*>(address);
     mapped.size_ = size;

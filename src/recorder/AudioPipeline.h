@@ -18,6 +18,11 @@
 
 namespace sonavault {
 
+/// The settings that are assumed until a day's file brings its own. Units: hertz, kilobits per
+/// second
+inline constexpr double kDefaultSampleRate = 22050;
+inline constexpr int kDefaultBitrateKbps = 48;
+
 /// A day's file in hand: everything that the road of a buffer needs of it.
 struct OpenDay {
     std::unique_ptr<LAMEEncoder> encoder;
@@ -95,7 +100,7 @@ class AudioPipeline {
     const Listener listener_;
 
     // Either thread, no lock.
-    std::atomic<double> activeSampleRate_{0};
+    std::atomic<double> activeSampleRate_{kDefaultSampleRate};
     std::atomic<bool> buildsLazily_{false};
     std::atomic<FrameCount> framesWritten_{0};
 

@@ -3,7 +3,9 @@
 #include <lame/lame.h>
 
 #include <algorithm>
-#include <limits>
+#include <cmath>
+
+#include "platform/Resampler.h"
 
 namespace sonavault {
 
@@ -14,23 +16,24 @@ constexpr int kMonoMode = 3;
 constexpr int kJointStereoMode = 1;
 constexpr int kQuality = 5;
 
-// The library takes any rate at its word and would spend its time and memory on a senseless one.
-constexpr int kLowestSampleRate = 8000;
-constexpr int kHighestSampleRate = 192000;
+/// Whether the library may be given this: not what is no number, nor what no sound can be, where
+/// its arithmetic is not defined. What is merely too loud it takes as it is.
+bool isSound(float sample) {
+    return std::abs(sample) <= Resampler::kAbsurdLevel;
+}
 
-/// What the library may be given: it must never see a sample that is no number or beyond full
-/// scale, where its arithmetic is not defined.
-float boundedSample(float sample) {
-    if (sample > 1.0F) return 1.0F;
-    if (sample < -1.0F) return -1.0F;
-    return sample == sample ? sample : 0.0F;
+/// A sample that is no sound, as something the library may be given.
+float tamed(float sample) {
+    return sample == sample ? std::clamp(sample, -1.0F, 1.0F) : 0.0F;
 }
 
 }  // namespace
 
 std::unique_ptr<LAMEEncoder> LAMEEncoder::create(int sampleRate, int channels, int bitrateKbps,
                                                  Log& log) {
-    if (sampleRate < kLowestSampleRate || sampleRate > kHighestSampleRate) return nullptr;
+    // The library takes any rate at its word and would spend its time and memory on a senseless
+    // one.
+    if (sampleRate < Resampler::kLowestRate || sampleRate > Resampler::kHighestRate) return nullptr;
     lame_global_struct* gfp = lame_init();
     if (!gfp) return nullptr;
     const bool accepted =
@@ -72,10 +75,14 @@ void LAMEEncoder::encodeMono(std::span<const float> samples) {
     if (!gfp_ || !file_ || samples.empty()) return;
     hasEncoded_ = true;
     ensureBuf(samples.size());
-    bounded_.resize(samples.size());
-    std::transform(samples.begin(), samples.end(), bounded_.begin(), boundedSample);
+    if (!std::all_of(samples.begin(), samples.end(), isSound)) {
+        tamed_.resize(samples.size());
+        std::transform(samples.begin(), samples.end(), tamed_.begin(),
+                       [](float sample) { return isSound(sample) ? sample : tamed(sample); });
+        samples = tamed_;
+    }
     const int bytes = lame_encode_buffer_ieee_float(
-        gfp_, bounded_.data(), bounded_.data(), static_cast<int>(bounded_.size()), outBuf_.data(),
+        gfp_, samples.data(), samples.data(), static_cast<int>(samples.size()), outBuf_.data(),
         static_cast<int>(outBuf_.size()));
     if (bytes < 0) log_.line("LAMEEncoder: encode error " + std::to_string(bytes));
     writeEncoded(bytes);

@@ -53,7 +53,7 @@ class LAMEEncoder {
     Log& log_;
     std::unique_ptr<AppendFile> file_;
     std::vector<std::uint8_t> outBuf_;
-    std::vector<float> bounded_;
+    std::vector<float> tamed_;
     bool hasEncoded_ = false;
 };
 

@@ -7,9 +7,11 @@
 namespace sonavault {
 
 SVQualityLevel SVQualityLevel::current(const Preferences& preferences) {
-    const auto stored = preferences.integer(kQualityLevelKey);
-    if (!stored || *stored < crummy || *stored > crazyGood) return kDefault;
-    return static_cast<Case>(*stored);
+    if (!preferences.text(kQualityLevelKey)) return kDefault;
+    // What is stored but is no number counts as 0.
+    const double level = std::trunc(preferences.real(kQualityLevelKey).value_or(0));
+    if (level < 0 || level >= static_cast<double>(allCases.size())) return kDefault;
+    return static_cast<Case>(level);
 }
 
 std::string SVQualityLevel::label() const {

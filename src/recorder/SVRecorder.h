@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -129,7 +128,7 @@ class SVRecorder {
     bool lineInputTapInstalled_ = false;
     SVRecorderSourceMode sourceMode_ = SVRecorderSourceMode::lineInput;
     std::optional<std::filesystem::path> lastRecordingURL_;
-    int activeBitrateKbps_;
+    int activeBitrateKbps_ = kDefaultBitrateKbps;
 
     // The road of the buffers, shared with the source's thread; then what feeds it, so that it ends
     // first.

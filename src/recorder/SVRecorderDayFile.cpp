@@ -40,6 +40,7 @@ FrameCount existingFramesAt(const std::filesystem::path& audio, double targetSam
 bool SVRecorder::openMP3File(const OutputURLs& urls, const AudioFormat& sourceFormat,
                              WallTime now) {
     const double rateBefore = pipeline_.activeSampleRate();
+    const int bitrateBefore = activeBitrateKbps_;
     const auto formatsBefore = pipeline_.resamplerFormats();
     chooseQuality(urls);
     rebuildResamplerForRate();
@@ -49,11 +50,11 @@ bool SVRecorder::openMP3File(const OutputURLs& urls, const AudioFormat& sourceFo
         LAMEEncoder::create(static_cast<int>(rate), 1, activeBitrateKbps_, services_.log);
     if (!encoder) {
         log("LAMEEncoder init failed");
-        // A senseless rate must not outlive its manifest: the next day's file starts as if it had
-        // never been.
+        // Senseless settings must not outlive their manifest: the next day's file starts as if they
+        // had never been.
         pipeline_.setActiveSampleRate(rateBefore);
-        if (formatsBefore && !pipeline_.resamplerFormats())
-            pipeline_.buildResampler(formatsBefore->input);
+        activeBitrateKbps_ = bitrateBefore;
+        if (formatsBefore) pipeline_.buildResampler(formatsBefore->input);
         return false;
     }
     if (const auto opened = encoder->open(urls.audio, services_.flusher); !opened) {
@@ -70,14 +71,14 @@ bool SVRecorder::openMP3File(const OutputURLs& urls, const AudioFormat& sourceFo
             "s at start");
     day.wallClockAnchor = anchorFor(urls, existingSec, now);
     lastRecordingURL_ = urls.audio;
+    // The air goes into the file from here on; it need not wait for the sidecars.
+    pipeline_.begin(std::move(day));
 
     // The first start of the day is the anchor of all later runs, so an existing manifest is never
     // written again.
     if (!pathExists(urls.json))
         writeManifest(urls.json, now, clockSecondsSinceMidnight(now), sourceFormat);
     writeCSVHeaderIfNeeded(urls.csv, services_.flusher);
-
-    pipeline_.begin(std::move(day));
     return true;
 }
 

@@ -2,7 +2,7 @@
 
 namespace sonavault {
 
-bool OwedRecording::isTryDue(bool recording, bool armed, double now) {
+bool OwedRecording::takeTry(bool recording, bool armed, double now) {
     if (recording) lastTry_.reset();
     if (armed) lastTry_ = now;
     if (!lastTry_) return false;

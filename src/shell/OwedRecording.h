@@ -14,7 +14,7 @@ namespace sonavault {
 class OwedRecording {
   public:
     /// A try costs the control thread a question to the sound system, and log lines when it fails.
-    static constexpr double kTryEverySec = 3.0;
+    static constexpr double kTryEverySec = 2.0;
 
     /// Recording was asked for without a person: it is owed until it runs or a person decides
     /// otherwise. `now`: seconds since 1970
@@ -26,10 +26,10 @@ class OwedRecording {
     /// A recording is owed.
     bool isWaiting() const { return lastTry_.has_value(); }
 
-    /// Whether to try again at this moment; true at most once in kTryEverySec.
+    /// Takes the try that is due at this moment, if any: true at most once in kTryEverySec.
     /// `recording` ends the waiting for good; `armed`, the recorder's own waiting for its source,
     /// makes the recording owed and leaves the try to the recorder.
-    bool isTryDue(bool recording, bool armed, double now);
+    bool takeTry(bool recording, bool armed, double now);
 
   private:
     std::optional<double> lastTry_;

@@ -22,8 +22,10 @@ QColor connectionDotColour(const RecordingStatus& status) {
 QString recordingStateText(const RecordingStatus& status) {
     if (status.isRecording) return QStringLiteral("Recording");
     if (!status.isWaiting) return QStringLiteral("Not recording");
-    return isOnLink(status) ? QStringLiteral("Waiting for Cadenzo")
-                            : QStringLiteral("Waiting for the line input");
+    if (!isOnLink(status)) return QStringLiteral("Waiting for the line input");
+    // With the link up, it is the file that could not be begun.
+    return status.isCadenzoConnected ? QStringLiteral("Could not start, trying again")
+                                     : QStringLiteral("Waiting for Cadenzo");
 }
 
 QColor recordingStateColour(const RecordingStatus& status) {

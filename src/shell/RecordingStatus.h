@@ -13,7 +13,7 @@ namespace sonavault {
 struct RecordingStatus {
     std::optional<SVRecorderSourceMode> source;  ///< absent while there is no recorder
     bool isRecording = false;
-    bool isWaiting = false;  ///< recording begins by itself as soon as the source is ready
+    bool isWaiting = false;  ///< recording begins by itself as soon as it can
     bool isCadenzoConnected = false;
     double durationSec = 0;  ///< the length of the day's file, while one is open
     float inputDb = kSilenceDb;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
 #include <functional>
 
@@ -12,10 +13,18 @@ namespace sonavault {
 /// The preferences that the shell keeps, in the standard domain.
 inline constexpr auto kSourceModeKey = "SonavaultSourceMode";
 inline constexpr auto kAutoResumeOnLaunchKey = "SonavaultAutoResumeOnLaunch";
+inline constexpr auto kActionBarHeightKey = "SonavaultActionBarHeight";
 
 /// Whether a launch begins recording; not unless the person asked for it.
 inline bool autoResumesOnLaunch(const Preferences& preferences) {
     return preferences.boolean(kAutoResumeOnLaunchKey).value_or(false);
+}
+
+/// The height that the person last gave the action bar, kept between 50 and 180; 50 when they never
+/// did. Units: points
+inline double restoredActionBarHeight(const Preferences& preferences) {
+    const double stored = preferences.real(kActionBarHeightKey).value_or(0);
+    return stored > 0 ? std::clamp(stored, 50.0, 180.0) : 50.0;
 }
 
 /// What the program works with: the machine's own in real life, a test's otherwise. All of it

@@ -57,13 +57,18 @@ void SonavaultViewController::tickDisplay() {
 
 void SonavaultViewController::tryOwedRecording() {
     if (!recorder_) return;
-    if (!owedRecording_.isTryDue(recorder_->isRecording(), recorder_->isAutoResumeArmed(), now()))
-        return;
+    if (!owedRecording_.takeTry(recorder_->isRecording(), isWaitingForLink(), now())) return;
     // Without a device a try is sure to fail, and would leave a trace in the log and on the disk.
     if (recorder_->sourceMode() == SVRecorderSourceMode::lineInput &&
-        services_.recorder.lineInput.defaultDeviceName().empty())
+        !services_.recorder.lineInput.lookForDevice())
         return;
     recorder_->requestAutoResume();
+}
+
+bool SonavaultViewController::isWaitingForLink() const {
+    // The recorder's waiting outlives a change of source, but only the link ever ends it.
+    return recorder_->isAutoResumeArmed() &&
+           recorder_->sourceMode() == SVRecorderSourceMode::cadenzoTCP;
 }
 
 void SonavaultViewController::showRecordingStatus() {
@@ -77,7 +82,7 @@ RecordingStatus SonavaultViewController::recordingStatus() const {
     return {
         .source = recorder_->sourceMode(),
         .isRecording = desk_->isRecording(),
-        .isWaiting = recorder_->isAutoResumeArmed() || owedRecording_.isWaiting(),
+        .isWaiting = isWaitingForLink() || owedRecording_.isWaiting(),
         .isCadenzoConnected = recorder_->isCadenzoConnected(),
         .durationSec = recorder_->currentRecordingDurationSec(),
         .inputDb = desk_->recordingInputDb(),
@@ -99,7 +104,6 @@ void SonavaultViewController::setSourceMode(SVRecorderSourceMode mode) {
 }
 
 void SonavaultViewController::autoResumeChosen(bool resumes) {
-    if (!resumes) owedRecording_.personDecided();
     setStatusBarText(resumes ? "Auto-resume on launch: ON" : "Auto-resume on launch: OFF");
 }
 

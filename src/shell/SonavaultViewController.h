@@ -42,8 +42,8 @@ class SonavaultViewController {
     SVRecorderSourceMode sourceMode() const;
     void setSourceMode(SVRecorderSourceMode mode);
 
-    /// The person chose whether the next launch begins recording; tells so. Choosing against it
-    /// also ends the waiting that this launch may still be in.
+    /// The person chose whether the next launch begins recording; tells so, and leaves this launch
+    /// as it is.
     void autoResumeChosen(bool resumes);
 
     // What the menu asks for.
@@ -74,6 +74,7 @@ class SonavaultViewController {
     void makeRecorder();
     void autoResumeAtLaunch();
     void tryOwedRecording();
+    bool isWaitingForLink() const;
     void changeSource(SVRecorderSourceMode mode);
     void showRecordingStatus();
     void showWarning(const std::string& message, const std::string& information);

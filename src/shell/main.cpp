@@ -61,7 +61,8 @@ void doWithoutDisplay() {
     StandardOutputLog().line("Sonavault: there is no display; running without a window");
 }
 
-int run(int argc, char** argv) {
+[[noreturn]] void run(int argc, char** argv) {
+    SingleInstance(SingleInstance::defaultRegistry()).takeOver();
     doWithoutDisplay();
     QApplication application(argc, argv);
     // The application object takes over the person's locale, whose decimal comma must reach no
@@ -70,11 +71,13 @@ int run(int argc, char** argv) {
     QApplication::setDesktopFileName(QStringLiteral("sonavault"));
     QApplication::setFont(interfaceFont(13));
 
-    SingleInstance(SingleInstance::defaultRegistry()).takeOver();
     StationServices station;
     AppDelegate delegate(station.services());
     delegate.applicationDidFinishLaunching();
-    return QApplication::exec();
+    const int exitCode = QApplication::exec();
+    // A quit is no stop: the day's file is left as a crash would leave it, and nothing is waited
+    // for.
+    std::_Exit(exitCode);
 }
 
 }  // namespace
@@ -84,5 +87,5 @@ int main(int argc, char** argv) {
     ignoreBrokenPipes();
     if (const auto exitCode = answerCommandLine(parseCommandLine({argv + 1, argv + argc})))
         return *exitCode;
-    return run(argc, argv);
+    run(argc, argv);
 }

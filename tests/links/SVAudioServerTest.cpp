@@ -254,13 +254,13 @@ TEST_F(SVAudioServerTest, reports_no_disconnect_of_a_client_it_dropped_itself_at
 
 TEST(SVAudioServer, takes_port_9171_unless_told_otherwise) {
     RecordedLog log;
-    EXPECT_EQ(SVAudioServer::kAudioPort, 9171);
+    QTcpServer other;
+    other.listen(QHostAddress::Any, 9171);  // if it can't, yet another holds the port already
     SVAudioServer server(log);
     server.start();
     EXPECT_THAT(log.lines(),
-                ElementsAre(::testing::AnyOf(
-                    "Sonavault audio server: listening on 9171",
-                    ::testing::StartsWith("Sonavault audio server: NWListener(create) failed: "))));
+                ElementsAre("Sonavault audio server: NWListener(create) failed: The bound address "
+                            "is already in use"));
 }
 
 TEST(SVAudioServer, says_why_it_cannot_listen_and_does_so_later_when_asked_again) {

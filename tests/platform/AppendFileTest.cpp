@@ -1,13 +1,12 @@
 #include "platform/AppendFile.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
-#include <csignal>
 #include <string>
 #include <vector>
 
 #include "platform/DiskFlusher.h"
+#include "support/FileSizeLimit.h"
 #include "support/TempFolder.h"
 
 namespace sonavault::testing {
@@ -78,14 +77,10 @@ TEST(AppendFile, says_when_only_a_part_was_taken_and_goes_on_when_there_is_room_
     TempFolder folder;
     DiskFlusher flusher;
     const auto file = opened(folder / "day.mp3", flusher);
-    const auto signalBefore = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before{};
-    getrlimit(RLIMIT_FSIZE, &before);
-    const rlimit small{.rlim_cur = 60, .rlim_max = before.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &small);
-    const bool taken = file->write(bytes(std::string(100, 'x')));
-    setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, signalBefore);
+    const bool taken = [&] {
+        const FileSizeLimit full(60);
+        return file->write(bytes(std::string(100, 'x')));
+    }();
 
     EXPECT_FALSE(taken);
     EXPECT_EQ(readFile(folder / "day.mp3"), std::string(60, 'x'));

@@ -1,14 +1,13 @@
 #include "platform/AtomicFile.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <atomic>
-#include <csignal>
 #include <thread>
 #include <vector>
 
+#include "support/FileSizeLimit.h"
 #include "support/TempFolder.h"
 
 namespace sonavault::testing {
@@ -79,14 +78,10 @@ TEST(AtomicFile, leaves_no_temporary_behind_when_the_name_is_a_folder) {
 TEST(AtomicFile, keeps_the_old_content_and_leaves_no_temporary_when_the_bytes_do_not_fit) {
     TempFolder folder;
     ASSERT_TRUE(writeFileAtomically(folder / "day.json", "old"));
-    const auto signalBefore = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before{};
-    getrlimit(RLIMIT_FSIZE, &before);
-    const rlimit small{.rlim_cur = 1000, .rlim_max = before.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &small);
-    const auto outcome = writeFileAtomically(folder / "day.json", std::string(3000, 'x'));
-    setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, signalBefore);
+    const auto outcome = [&] {
+        const FileSizeLimit full(1000);
+        return writeFileAtomically(folder / "day.json", std::string(3000, 'x'));
+    }();
 
     ASSERT_FALSE(outcome);
     EXPECT_EQ(outcome.error(), "File too large");

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -55,6 +56,35 @@ TEST_F(Encoder, writes_frames_from_the_first_byte_on_with_no_tag_and_no_header_f
     EXPECT_EQ(static_cast<unsigned char>(bytes[1]) & 0xE0, 0xE0);
     for (const auto* tag : {"Xing", "Info", "LAME3.100", "ID3", "TAG"})
         EXPECT_EQ(bytes.substr(0, 200).find(tag), std::string::npos);
+}
+
+TEST_F(Encoder, writes_one_channel) {
+    auto encoder = opened();
+    encoder->encodeMono(tone(22050));
+    encoder->close();
+    const auto bytes = readFile(file_);
+    ASSERT_GT(bytes.size(), 4U);
+    EXPECT_EQ(static_cast<unsigned char>(bytes[3]) >> 6, 3) << "the frame header's channel mode";
+}
+
+TEST_F(Encoder, gives_the_library_what_is_merely_too_loud_as_it_is) {
+    const auto encodedAt = [this](float amplitude) {
+        std::filesystem::remove(file_);
+        auto samples = tone(22050);
+        for (float& sample : samples) sample *= amplitude;
+        auto encoder = opened();
+        encoder->encodeMono(samples);
+        encoder->close();
+        return readFile(file_);
+    };
+    const auto loud = encodedAt(8);
+    auto cut = tone(22050);
+    for (float& sample : cut) sample = std::clamp(sample * 8, -1.0F, 1.0F);
+    std::filesystem::remove(file_);
+    auto encoder = opened();
+    encoder->encodeMono(cut);
+    encoder->close();
+    EXPECT_NE(loud, readFile(file_));
 }
 
 TEST_F(Encoder, lets_the_library_choose_the_files_own_rate) {

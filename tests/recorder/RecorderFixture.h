@@ -34,6 +34,7 @@ class FakeLineInput final : public AudioInput {
     void stop() override { running_ = false; }
     bool isRunning() const override { return running_; }
     std::string defaultDeviceName() override { return deviceName; }
+    bool lookForDevice() override { return !deviceName.empty(); }
 
     bool hasTap() const { return static_cast<bool>(tap_); }
     void deliver(const AudioBufferView& buffer) {
@@ -50,14 +51,15 @@ class FakeLineInput final : public AudioInput {
     bool running_ = false;
 };
 
-/// An audio link whose client is the test. Outlived by what the test keeps of it.
+/// An audio link whose client is the test. `running` outlives it and tells whether it listens.
 class FakeAudioLink final : public AudioLink {
   public:
-    void start() override { ++starts; }
-    void stop() override { ++stops; }
+    explicit FakeAudioLink(bool& running) : running_(running) {}
+    void start() override { running_ = true; }
+    void stop() override { running_ = false; }
 
-    int starts = 0;
-    int stops = 0;
+  private:
+    bool& running_;
 };
 
 /// The program around the recorder, remembering what it was told.
@@ -111,7 +113,7 @@ class RecorderFixture : public ::testing::Test {
             .lineInput = input_,
             .makeAudioLink =
                 [this] {
-                    auto link = std::make_unique<FakeAudioLink>();
+                    auto link = std::make_unique<FakeAudioLink>(linkListens_);
                     link_ = link.get();
                     return link;
                 },
@@ -188,6 +190,7 @@ class RecorderFixture : public ::testing::Test {
     FakeLineInput input_;
     std::shared_ptr<RecordedHost> host_ = std::make_shared<RecordedHost>();
     FakeAudioLink* link_ = nullptr;
+    bool linkListens_ = false;
     AudioFormat linkFormat_{22050, 1, true};
     std::unique_ptr<SVRecorder> recorder_;
 };

@@ -29,6 +29,11 @@ TEST_F(QualityPreference, of_zero_means_crummy_and_not_absent) {
     EXPECT_EQ(SVQualityLevel::current(preferences_), SVQualityLevel::crummy);
 }
 
+TEST_F(QualityPreference, that_is_no_number_counts_as_zero) {
+    preferences_.setText(kQualityLevelKey, "loud");
+    EXPECT_EQ(SVQualityLevel::current(preferences_), SVQualityLevel::crummy);
+}
+
 TEST_F(QualityPreference, gives_each_level_of_the_scale) {
     for (const auto level : SVQualityLevel::allCases) {
         preferences_.setInteger(kQualityLevelKey, level);

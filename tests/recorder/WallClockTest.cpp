@@ -7,6 +7,13 @@
 namespace sonavault {
 namespace {
 
+/// What a line says behind `label`, as a number.
+double numberIn(const std::string& line, const std::string& label) {
+    const auto at = line.find(label);
+    EXPECT_NE(at, std::string::npos) << line;
+    return std::strtod(line.c_str() + at + label.size(), nullptr);
+}
+
 class WallClock : public testing::RecorderFixture {
   protected:
     void startLine() {
@@ -52,6 +59,22 @@ TEST_F(WallClock, works_a_gap_of_three_seconds_off_over_three_buffers) {
     EXPECT_NE(pads()[2].find("pad — 20727 frames (0.940s)"), std::string::npos) << pads()[2];
     EXPECT_EQ(framesWritten(), 5 * 22050 + 2 * 441)
         << "the last two buffers came while the file stood at the clock";
+}
+
+TEST_F(WallClock, works_an_outage_between_two_recordings_off_in_the_same_way) {
+    startLine();
+    runFor(5);
+    recorder_->toggleRecording();
+    clock_.advance(3);
+    ASSERT_TRUE(recorder_->toggleRecording());
+    const double before = static_cast<double>(framesWritten());
+    for (int i = 0; i < 5; ++i) send(441);
+    ASSERT_EQ(pads().size(), 3U);
+    const double deficit = 8 * 22050 - before - 441;
+    EXPECT_NEAR(numberIn(pads()[0], "deficit was "), deficit, 1);
+    EXPECT_NEAR(numberIn(pads()[1], "deficit was "), deficit - 22050 - 441, 1);
+    EXPECT_NEAR(numberIn(pads()[2], "deficit was "), deficit - 2 * (22050 + 441), 1);
+    EXPECT_NEAR(static_cast<double>(framesWritten()), 8 * 22050 + 2 * 441, 1);
 }
 
 TEST_F(WallClock, never_drops_audio_of_a_source_that_runs_fast) {
@@ -100,10 +123,13 @@ TEST_F(WallClock, counts_a_silent_source_as_audio) {
 TEST_F(WallClock, changes_nothing_at_a_buffer_that_yields_no_frames) {
     input_.format = {192000, 2, true};
     startLine();
+    send(19200);
+    const FrameCount framesBefore = framesWritten();
     const float levelBefore = host_->inputDb;
+    ASSERT_GT(levelBefore, -20);
     clock_.advance(10);
     send(1);
-    EXPECT_EQ(framesWritten(), 0);
+    EXPECT_EQ(framesWritten(), framesBefore);
     EXPECT_EQ(host_->inputDb, levelBefore);
     EXPECT_TRUE(pads().empty());
 }

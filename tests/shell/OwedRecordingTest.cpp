@@ -9,9 +9,9 @@ constexpr double kLaunch = 1'772'456'709;
 
 class Owed : public ::testing::Test {
   protected:
-    bool dueIdle(double seconds) { return owed_.isTryDue(false, false, kLaunch + seconds); }
-    bool dueRecording(double seconds) { return owed_.isTryDue(true, false, kLaunch + seconds); }
-    bool dueArmed(double seconds) { return owed_.isTryDue(false, true, kLaunch + seconds); }
+    bool dueIdle(double seconds) { return owed_.takeTry(false, false, kLaunch + seconds); }
+    bool dueRecording(double seconds) { return owed_.takeTry(true, false, kLaunch + seconds); }
+    bool dueArmed(double seconds) { return owed_.takeTry(false, true, kLaunch + seconds); }
 
     OwedRecording owed_;
 };
@@ -26,27 +26,27 @@ TEST_F(Owed, is_what_was_asked_for_and_did_not_begin) {
     EXPECT_TRUE(owed_.isWaiting());
 }
 
-TEST_F(Owed, is_tried_again_every_three_seconds) {
+TEST_F(Owed, is_tried_again_every_two_seconds) {
     owed_.askedFor(kLaunch);
     int tries = 0;
     for (int tick = 1; tick <= 20 * 60; ++tick) tries += dueIdle(tick * 0.05);
-    EXPECT_GE(tries, 18);
-    EXPECT_LE(tries, 20);
+    EXPECT_GE(tries, 28);
+    EXPECT_LE(tries, 30);
 }
 
-TEST_F(Owed, is_not_tried_before_more_than_three_seconds_have_passed) {
+TEST_F(Owed, is_not_tried_before_more_than_two_seconds_have_passed) {
     owed_.askedFor(kLaunch);
     EXPECT_FALSE(dueIdle(0));
-    EXPECT_FALSE(dueIdle(3));
-    EXPECT_TRUE(dueIdle(3.01));
-    EXPECT_FALSE(dueIdle(3.06));
+    EXPECT_FALSE(dueIdle(2));
+    EXPECT_TRUE(dueIdle(2.01));
+    EXPECT_FALSE(dueIdle(2.06));
 }
 
 TEST_F(Owed, is_tried_at_once_when_the_clock_was_set_back) {
     owed_.askedFor(kLaunch);
     EXPECT_TRUE(dueIdle(-3600));
     EXPECT_FALSE(dueIdle(-3599));
-    EXPECT_TRUE(dueIdle(-3596));
+    EXPECT_TRUE(dueIdle(-3597));
 }
 
 TEST_F(Owed, is_paid_for_good_once_a_recording_ran) {
@@ -72,7 +72,7 @@ TEST_F(Owed, is_left_to_the_recorder_while_that_waits_for_its_source) {
 TEST_F(Owed, is_what_the_recorder_waited_for_and_then_could_not_begin) {
     EXPECT_FALSE(dueArmed(1));
     EXPECT_FALSE(dueIdle(2));
-    EXPECT_TRUE(dueIdle(4.5));
+    EXPECT_TRUE(dueIdle(3.5));
 }
 
 }  // namespace

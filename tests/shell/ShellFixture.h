@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/LocalTime.h"
@@ -35,6 +36,10 @@ class SwitchedLineInput final : public AudioInput {
         ++questions;
         return deviceName;
     }
+    bool lookForDevice() override {
+        ++looks;
+        return std::exchange(found_, !deviceName.empty());
+    }
 
     /// One buffer of a steady level.
     void deliver(FrameCount frames, float amplitude);
@@ -42,9 +47,11 @@ class SwitchedLineInput final : public AudioInput {
     bool works = true;
     std::string deviceName = "Studio console";
     int starts = 0;
-    int questions = 0;
+    int questions = 0;  ///< each of which may make the person wait
+    int looks = 0;      ///< in the background
 
   private:
+    bool found_ = false;
     Tap tap_;
     bool running_ = false;
 };

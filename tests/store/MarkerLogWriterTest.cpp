@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/FileSizeLimit.h"
 #include "support/TempFolder.h"
 
 namespace sonavault {
@@ -61,6 +62,18 @@ TEST_F(MarkerLogOnDisk, grows_by_whole_rows) {
     ASSERT_TRUE(appendMarkerRow(log_, markerRow("08:01:00", "vt", "a,b", 2), flusher_));
     EXPECT_EQ(readFile(log_),
               "timestamp,event,label,duration\n08:00:00,hour,,0\n08:01:00,vt,\"a,b\",2\n");
+}
+
+TEST_F(MarkerLogOnDisk, gives_half_a_row_back_when_the_disk_is_full) {
+    writeCSVHeaderIfNeeded(log_, flusher_);
+    const auto row = markerRow("08:00:00", "hour", "eight o'clock", 0);
+    {
+        const testing::FileSizeLimit full(std::filesystem::file_size(log_) + 7);
+        EXPECT_FALSE(appendMarkerRow(log_, row, flusher_));
+        EXPECT_EQ(readFile(log_), kMarkerLogHeader);
+    }
+    EXPECT_TRUE(appendMarkerRow(log_, row, flusher_));
+    EXPECT_EQ(readFile(log_), kMarkerLogHeader + row);
 }
 
 TEST_F(MarkerLogOnDisk, that_could_not_be_begun_fails_at_the_append) {

@@ -168,6 +168,17 @@ TEST_F(Fault,
     EXPECT_TRUE(growsBeyond(3000, 10s));
 }
 
+TEST_F(Fault, a_disk_that_is_full_from_the_start_is_told_of_and_recorded_on_once_there_is_space) {
+    const SmallDisk disk(station_.audioFolder(), "size=4k");
+    ASSERT_TRUE(disk.isMounted()) << "the tests need the right to mount a disk of their own";
+    writeFile(station_.audioFolder() / "somebody else's", std::string(4096, 'x'));
+    startRecording();
+    EXPECT_TRUE(program_->waitForLine("Sonavault recorder: manifest write failed: ", 5s))
+        << program_->text();
+    ASSERT_TRUE(disk.change(0, "size=10m"));
+    EXPECT_TRUE(growsBeyond(6000, 10s));
+}
+
 TEST_F(Fault, a_folder_that_disappears_takes_nothing_else_with_it) {
     startRecording();
     expectLine("Sonavault sync: wall_elapsed=2.");

@@ -71,5 +71,23 @@ TEST_F(WindowTest, the_recording_shortcut_stops_what_it_began) {
     EXPECT_TRUE(program_->isAlive());
 }
 
+TEST_F(WindowTest, a_quit_leaves_the_day_as_a_crash_would) {
+    station_.useLink();
+    station_.resumeOnLaunch();
+    program_ = station_.start();
+    const auto automation = station_.startAutomation({"--signal", "tone", "--stall-at", "4:60"});
+    ASSERT_TRUE(eventuallyHasRecorded(1)) << program_->text() << automation->text();
+    std::uintmax_t size = 0;
+    while (size != std::filesystem::file_size(station_.dayFile("mp3"))) {
+        size = std::filesystem::file_size(station_.dayFile("mp3"));
+        std::this_thread::sleep_for(1s);
+    }
+    display_.press("ctrl+q", "Sonavault");
+    EXPECT_EQ(program_->waitForEnd(10s), 0);
+    EXPECT_EQ(std::filesystem::file_size(station_.dayFile("mp3")), size)
+        << "nothing was flushed on the way out";
+    EXPECT_FALSE(program_->waitForLine("stopped →", 0s)) << program_->text();
+}
+
 }  // namespace
 }  // namespace sonavault::testing
