@@ -16,7 +16,6 @@ namespace {
 using testing::readFile;
 using testing::RecordedLog;
 using testing::TempFolder;
-using testing::writeFile;
 
 class Encoder : public ::testing::Test {
   protected:
