@@ -11,6 +11,7 @@
 #include "store/RecordingManifest.h"
 #include "support/ManualClock.h"
 #include "support/ManualQueue.h"
+#include "support/ManualTimers.h"
 #include "support/RecordedLog.h"
 #include "support/ScopedTimeZone.h"
 #include "support/TempFolder.h"
@@ -62,6 +63,16 @@ class FakeAudioLink final : public AudioLink {
     bool& running_;
 };
 
+/// A marker link whose client is the test.
+class FakeMarkerLink final : public MarkerLink {
+  public:
+    void start() override { ++starts; }
+    void stop() override { ++stops; }
+
+    int starts = 0;
+    int stops = 0;
+};
+
 /// The program around the recorder, remembering what it was told.
 class RecordedHost final : public RecorderHost {
   public:
@@ -103,6 +114,7 @@ class RecorderFixture : public ::testing::Test {
     void makeRecorder() {
         recorder_.reset();
         link_ = nullptr;
+        markerLink_ = nullptr;
         recorder_ = std::make_unique<SVRecorder>(RecorderServices{
             .clock = clock_,
             .log = log_,
@@ -117,6 +129,13 @@ class RecorderFixture : public ::testing::Test {
                     link_ = link.get();
                     return link;
                 },
+            .makeMarkerLink =
+                [this] {
+                    auto link = std::make_unique<FakeMarkerLink>();
+                    markerLink_ = link.get();
+                    return link;
+                },
+            .makeMainTimer = [this] { return timers_.make(); },
         });
         recorder_->setController(host_);
     }
@@ -141,6 +160,12 @@ class RecorderFixture : public ::testing::Test {
     }
     void dropLink() {
         link_->onDisconnect();
+        mainQueue_.runAll();
+    }
+
+    /// What the automation tells, heard at once.
+    void tell(const MarkerWire& marker) {
+        markerLink_->onMarker(marker);
         mainQueue_.runAll();
     }
 
@@ -170,7 +195,7 @@ class RecorderFixture : public ::testing::Test {
                                 ? linkFormat_.sampleRate
                                 : input_.format.sampleRate;
         for (double done = 0; done < seconds - 1e-9; done += static_cast<double>(kBuffer) / rate) {
-            clock_.advance(static_cast<double>(kBuffer) / rate);
+            timers_.pass(static_cast<double>(kBuffer) / rate);
             send(kBuffer);
         }
     }
@@ -182,6 +207,7 @@ class RecorderFixture : public ::testing::Test {
     TempFolder temp_;
     const ScopedTimeZone zone_{"Europe/Berlin"};
     ManualClock clock_{at("2026-03-02T13:05:09.123Z")};
+    ManualTimers timers_{clock_};
     RecordedLog log_;
     ManualQueue mainQueue_;
     Preferences preferences_{temp_ / "standard.conf"};
@@ -191,6 +217,7 @@ class RecorderFixture : public ::testing::Test {
     std::shared_ptr<RecordedHost> host_ = std::make_shared<RecordedHost>();
     FakeAudioLink* link_ = nullptr;
     bool linkListens_ = false;
+    FakeMarkerLink* markerLink_ = nullptr;
     AudioFormat linkFormat_{22050, 1, true};
     std::unique_ptr<SVRecorder> recorder_;
 };
