@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -46,6 +47,12 @@ Result<MappedFile> MappedFile::open(const std::filesystem::path& file, Order ord
     mapped.data_ = static_cast<const std::uint8_t*>(address);
     mapped.size_ = size;
     return mapped;
+}
+
+void MappedFile::letGoBefore(std::int64_t offset) const {
+    const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+    const std::size_t bytes = std::min(static_cast<std::size_t>(offset), size_) / page * page;
+    if (bytes > 0) ::madvise(const_cast<std::uint8_t*>(data_), bytes, MADV_DONTNEED);
 }
 
 MappedFile::MappedFile(MappedFile&& other) noexcept

@@ -32,6 +32,10 @@ class MappedFile {
     /// Stay valid, and at the same address, when the MappedFile is moved.
     std::span<const std::uint8_t> bytes() const { return {data_, size_}; }
 
+    /// Gives back the memory behind the bytes before `offset`, which can still be read: a walk
+    /// through a day's file must not count as memory of the whole file.
+    void letGoBefore(std::int64_t offset) const;
+
   private:
     MappedFile() = default;
 
