@@ -13,7 +13,8 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-constexpr std::int64_t kHeadBytes = std::int64_t{32} << 10;
+/// Room for a place among frames of any kind, and for a seam before it.
+constexpr std::int64_t kSpaciousBytes = std::int64_t{32} << 10;
 /// A stretch that is read whole rather than halved once more.
 constexpr std::int64_t kWalkedBytes = std::int64_t{256} << 10;
 /// A file is looked at in at least as many stretches: an hour and a half of a full day each.
@@ -39,8 +40,10 @@ class Mp3LengthProbe {
   private:
     /// Nothing when the file has become shorter.
     std::optional<Bytes> read(std::int64_t begin, std::int64_t end);
-    std::optional<Mp3Place> findPlace(std::int64_t begin);
+    std::optional<Mp3Place> findPlace(std::int64_t begin, std::int64_t bytes);
     std::optional<Mp3Place> findFirstPlace();
+    std::optional<Mp3Place> findLastPlace();
+    std::optional<Mp3Place> findPlaceBehind(std::int64_t begin);
 
     /// From one place up to a later one.
     std::optional<double> between(const Mp3Place& from, const Mp3Place& to);
@@ -50,14 +53,13 @@ class Mp3LengthProbe {
     std::ifstream in_;
     const std::int64_t size_;
     const std::int64_t longestTrusted_;
-    std::int64_t placeBytes_ = 0;
+    std::int64_t placeBytes_ = 0;  // room for a place among frames as in the beginning
 };
 
 std::optional<double> Mp3LengthProbe::duration() {
     const auto first = findFirstPlace();
     if (!first) return std::nullopt;
-    placeBytes_ = bytesToFindPlace(first->kind);
-    const auto last = findPlace(size_ - placeBytes_);
+    const auto last = findLastPlace();
     if (!last || last->at <= first->at) return std::nullopt;
 
     const auto before = walked(0, *first);
@@ -76,14 +78,27 @@ std::optional<Bytes> Mp3LengthProbe::read(std::int64_t begin, std::int64_t end) 
     return bytes;
 }
 
-std::optional<Mp3Place> Mp3LengthProbe::findPlace(std::int64_t begin) {
-    const auto block = read(begin, begin + placeBytes_);
+std::optional<Mp3Place> Mp3LengthProbe::findPlace(std::int64_t begin, std::int64_t bytes) {
+    const auto block = read(begin, begin + bytes);
     return block ? findMp3Place(*block, begin) : std::nullopt;
 }
 
 std::optional<Mp3Place> Mp3LengthProbe::findFirstPlace() {
-    const auto block = read(0, std::min(kHeadBytes, size_));
-    return block ? findMp3Place(*block, 0) : std::nullopt;
+    auto first = findPlace(0, kSpaciousBytes);
+    if (first) placeBytes_ = bytesToFindPlace(first->kind);
+    return first;
+}
+
+std::optional<Mp3Place> Mp3LengthProbe::findLastPlace() {
+    const std::int64_t begin = size_ - placeBytes_;
+    if (auto last = findPlace(begin, placeBytes_)) return last;
+    return findPlace(begin - kSpaciousBytes, kSpaciousBytes);
+}
+
+/// A seam or frames that need more room may be just there; one more try is enough for both.
+std::optional<Mp3Place> Mp3LengthProbe::findPlaceBehind(std::int64_t begin) {
+    if (auto place = findPlace(begin, placeBytes_)) return place;
+    return findPlace(begin + placeBytes_, kSpaciousBytes);
 }
 
 std::optional<double> Mp3LengthProbe::between(const Mp3Place& from, const Mp3Place& to) {
@@ -95,7 +110,7 @@ std::optional<double> Mp3LengthProbe::between(const Mp3Place& from, const Mp3Pla
 }
 
 std::optional<double> Mp3LengthProbe::halved(const Mp3Place& from, const Mp3Place& to) {
-    const auto middle = findPlace(from.at + (to.at - from.at) / 2);
+    const auto middle = findPlaceBehind(from.at + (to.at - from.at) / 2);
     if (!middle) return std::nullopt;
     const auto before = between(from, *middle);
     if (!before) return std::nullopt;
