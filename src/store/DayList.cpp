@@ -1,6 +1,7 @@
 #include "store/DayList.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 
 #include "platform/FileQueries.h"
@@ -17,6 +18,19 @@ constexpr auto kMarkerLogSuffix = "csv";
 
 int markerCountOf(const std::filesystem::path& audio) {
     return countMarkerLines(sidecarURL(audio, kMarkerLogSuffix));
+}
+
+DailyRecording rowFor(const std::filesystem::path& audio, const std::string& label,
+                      const std::string& today) {
+    const auto date = recordingDate(audio).value_or("");
+    return {.date = date,
+            .dayOfWeek = shortDayOfWeek(date).value_or(""),
+            .live = date == today,
+            .recorded = label,
+            .markerCount = markerCountOf(audio),
+            .warning = std::nullopt,
+            .expiresInDays = std::nullopt,
+            .audioURL = audio};
 }
 
 }  // namespace
@@ -66,40 +80,48 @@ std::vector<DailyRecording> DayList::scanRecordingsFolder() {
 std::vector<DailyRecording> DayList::scanOneRecordingsFolder(const std::filesystem::path& folder) {
     const auto entries = entriesOf(folder);
     if (!entries) return {};
-    const auto today = todayDateString(clock_);
-    std::vector<DailyRecording> rows;
+    std::vector<std::filesystem::path> audio;
     // Backwards by name: of a day's two files the .mp3, which goes on growing, before the .m4a.
-    for (auto entry = entries->rbegin(); entry != entries->rend(); ++entry)
-        if (const auto date = recordingDate(*entry)) rows.push_back(rowFor(*entry, *date, today));
+    std::copy_if(entries->rbegin(), entries->rend(), std::back_inserter(audio),
+                 [](const auto& entry) { return recordingDate(entry).has_value(); });
+    const auto labels = labelsOf(audio);
     lengths_.forgetUnasked(folder);
     lengths_.save();
-    return rows;
-}
 
-DailyRecording DayList::rowFor(const std::filesystem::path& audio, const std::string& date,
-                               const std::string& today) {
-    return {.date = date,
-            .dayOfWeek = shortDayOfWeek(date).value_or(""),
-            .live = date == today,
-            .recorded = recordingDurationLabel(audio),
-            .markerCount = markerCountOf(audio),
-            .warning = std::nullopt,
-            .expiresInDays = std::nullopt,
-            .audioURL = audio};
+    const auto today = todayDateString(clock_);
+    std::vector<DailyRecording> rows;
+    for (std::size_t i = 0; i < audio.size(); ++i)
+        rows.push_back(rowFor(audio[i], labels[i], today));
+    return rows;
 }
 
 // Labels
 
 std::string DayList::recordingDurationLabel(const std::filesystem::path& audio) {
-    const auto stamp = fileStamp(audio);
-    if (!stamp) return {};
-    auto seconds = lengths_.find(audio, *stamp);
-    if (!seconds) {
-        seconds = recordingLengthSec(audio, *stamp);
-        if (!seconds) return {};
-        lengths_.put(audio, *stamp, *seconds);
+    return labelsOf(std::span(&audio, 1)).front();
+}
+
+std::vector<std::string> DayList::labelsOf(std::span<const std::filesystem::path> audio) {
+    std::vector<std::string> labels(audio.size());
+    std::vector<StampedFile> unknown;
+    std::vector<std::size_t> indexes;  // of the unknown among all
+    for (std::size_t i = 0; i < audio.size(); ++i) {
+        const auto stamp = fileStamp(audio[i]);
+        if (!stamp) continue;
+        if (const auto seconds = lengths_.find(audio[i], *stamp)) {
+            labels[i] = durationLabel(*seconds);
+        } else {
+            unknown.push_back({audio[i], *stamp});
+            indexes.push_back(i);
+        }
     }
-    return durationLabel(*seconds);
+    const auto found = recordingLengthsSec(unknown);
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        if (!found[i]) continue;
+        labels[indexes[i]] = durationLabel(*found[i]);
+        lengths_.put(unknown[i].file, unknown[i].stamp, *found[i]);
+    }
+    return labels;
 }
 
 std::string DayList::liveDurationLabel(const std::string& date) {

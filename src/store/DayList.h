@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -66,8 +67,7 @@ class DayList {
     void deleteRecording(const DailyRecording& row);
 
   private:
-    DailyRecording rowFor(const std::filesystem::path& audio, const std::string& date,
-                          const std::string& today);
+    std::vector<std::string> labelsOf(std::span<const std::filesystem::path> audio);
     std::optional<std::size_t> indexOf(const std::string& date) const;
     bool isLoaded(const std::optional<std::filesystem::path>& audio) const;
 

@@ -2,7 +2,9 @@
 
 #include <filesystem>
 #include <optional>
+#include <span>
 #include <string>
+#include <vector>
 
 #include "platform/FileStamp.h"
 
@@ -26,5 +28,15 @@ std::string liveLabel(double seconds);
 /// `stamp`: of the file as it is. Units: seconds. Errors: nothing, when the file is no audio or
 /// can't be read.
 std::optional<double> recordingLengthSec(const std::filesystem::path& file, const FileStamp& stamp);
+
+/// An audio file as it was when it was looked at.
+struct StampedFile {
+    std::filesystem::path file;
+    FileStamp stamp;
+};
+
+/// recordingLengthSec() of each file. Several are looked at side by side, since most of the time is
+/// spent waiting for the disk; returns when all are done.
+std::vector<std::optional<double>> recordingLengthsSec(std::span<const StampedFile> files);
 
 }  // namespace sonavault
