@@ -198,7 +198,6 @@ void SVRecorder::startRecording() {
 }
 
 bool SVRecorder::startFromLineInput(const OutputURLs& urls, WallTime now) {
-    stopLineInput();  // it goes on after a change of day that failed
     const AudioFormat format = services_.lineInput.outputFormat();
     if (!pipeline_.buildResampler(format) || !openMP3File(urls, format, now)) return false;
     services_.lineInput.installTap(kTapBufferFrames, format, [this](const AudioBufferView& buffer) {
