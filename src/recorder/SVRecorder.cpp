@@ -1,5 +1,6 @@
 #include "recorder/SVRecorder.h"
 
+#include "links/StationPorts.h"
 #include "platform/Format.h"
 #include "platform/SampleMath.h"
 
@@ -7,6 +8,8 @@ namespace sonavault {
 
 SVRecorder::SVRecorder(RecorderServices services)
     : services_(std::move(services)),
+      markers_(services_.clock, services_.log, services_.stationFolder, services_.flusher,
+               [this](NonSilentWatch watch) { pipeline_.armNonSilentWatch(std::move(watch)); }),
       pipeline_(services_.clock, services_.log, pipelineListener()) {
     const auto level = SVQualityLevel::current(services_.preferences);
     pipeline_.setActiveSampleRate(level.sampleRate());
@@ -17,6 +20,7 @@ SVRecorder::~SVRecorder() {
     if (lineInputTapInstalled_) services_.lineInput.removeTap();
     if (services_.lineInput.isRunning()) services_.lineInput.stop();
     if (audioServer_) audioServer_->stop();
+    if (markerServer_) markerServer_->stop();
 }
 
 AudioPipeline::Listener SVRecorder::pipelineListener() {
@@ -62,14 +66,25 @@ void SVRecorder::tearDownSource() {
     stopLineInput();
     if (audioServer_) audioServer_->stop();
     audioServer_.reset();
+    if (markerServer_) markerServer_->stop();
+    markerServer_.reset();
     linkLifetime_ =
         Lifetime();  // what the old link has still posted must not act on the new source
     pipeline_.clearResampler();
     isCadenzoConnected_ = false;
     setLevel(kSilenceDb);
+    // Only here: a link that was lost and came back must not bring old events again.
+    markers_.forgetMarkers();
 }
 
 void SVRecorder::startTCPListener() {
+    startAudioServer();
+    startMarkerServer();
+    setStatus("Listening for Cadenzo (audio :" + std::to_string(kAudioPort) +
+              ", markers :" + std::to_string(kMarkerPort) + ")…");
+}
+
+void SVRecorder::startAudioServer() {
     audioServer_ = services_.makeAudioLink();
     audioServer_->onHandshake = [this](const AudioFormat& format) {
         services_.mainQueue.post(
@@ -80,8 +95,17 @@ void SVRecorder::startTCPListener() {
         services_.mainQueue.post(linkLifetime_.guard([this] { handleTCPDisconnect(); }));
     };
     audioServer_->start();
-    setStatus("Listening for Cadenzo (audio :" + std::to_string(kAudioPort) +
-              ", markers :" + std::to_string(kMarkerPort) + ")…");
+}
+
+void SVRecorder::startMarkerServer() {
+    markerServer_ = services_.makeMarkerLink();
+    // Unlike what a link says of itself, what it reported of the day still counts when the source
+    // has changed meanwhile.
+    markerServer_->onMarker = [this](const MarkerWire& marker) {
+        services_.mainQueue.post(
+            lifetime_.guard([this, marker] { markers_.handleIncomingMarker(marker); }));
+    };
+    markerServer_->start();
 }
 
 void SVRecorder::handleTCPHandshake(const AudioFormat& format) {

@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "links/AudioLink.h"
+#include "links/MarkerLink.h"
 #include "platform/AudioInput.h"
 #include "platform/Clock.h"
 #include "platform/DiskFlusher.h"
@@ -14,16 +15,13 @@
 #include "platform/Log.h"
 #include "platform/Preferences.h"
 #include "recorder/AudioPipeline.h"
+#include "recorder/MarkerIngestion.h"
 #include "recorder/RecorderHost.h"
 #include "recorder/SVQualityLevel.h"
 #include "recorder/SVRecorderSourceMode.h"
 #include "store/StationFolder.h"
 
 namespace sonavault {
-
-/// The ports on which the automation delivers air and markers.
-inline constexpr std::uint16_t kAudioPort = 9171;
-inline constexpr std::uint16_t kMarkerPort = 9172;
 
 /// The frames of a tap's buffer, about a tenth of a second.
 inline constexpr int kTapBufferFrames = 4096;
@@ -43,6 +41,7 @@ struct RecorderServices {
     DiskFlusher& flusher;
     AudioInput& lineInput;
     std::function<std::unique_ptr<AudioLink>()> makeAudioLink;
+    std::function<std::unique_ptr<MarkerLink>()> makeMarkerLink;
 };
 
 /// Records the station's air into the day's file.
@@ -90,6 +89,13 @@ class SVRecorder {
     /// How long the day's file now is; 0 while none is open. Units: seconds
     double currentRecordingDurationSec() const;
 
+    /// Logs an event of the day that came by another road than the marker link; written as it is,
+    /// never compared with what came before. `clockTime`: "HH:MM:SS"
+    void appendSyntheticMarker(const std::string& clockTime, const std::string& type,
+                               const std::string& label, double durationSec = 0) {
+        markers_.appendSyntheticMarker(clockTime, type, label, durationSec);
+    }
+
     /// Takes one buffer of live audio. Thread: the source's.
     void handleSourceBuffer(const AudioBufferView& buffer) { pipeline_.handleSourceBuffer(buffer); }
 
@@ -102,6 +108,8 @@ class SVRecorder {
     void stopLineInput();
     void tearDownSource();
     void startTCPListener();
+    void startAudioServer();
+    void startMarkerServer();
     void handleTCPHandshake(const AudioFormat& format);
     void handleTCPDisconnect();
     void finalizeEncoder();
@@ -130,6 +138,7 @@ class SVRecorder {
     SVRecorderSourceMode sourceMode_ = SVRecorderSourceMode::lineInput;
     std::optional<std::filesystem::path> lastRecordingURL_;
     int activeBitrateKbps_;
+    MarkerIngestion markers_;
 
     // The road of the buffers, shared with the source's thread; then what feeds it, so that it ends
     // first.
@@ -137,6 +146,7 @@ class SVRecorder {
     Lifetime linkLifetime_;
     AudioPipeline pipeline_;
     std::unique_ptr<AudioLink> audioServer_;
+    std::unique_ptr<MarkerLink> markerServer_;
 };
 
 }  // namespace sonavault

@@ -4,6 +4,7 @@
 #include <QUrl>
 
 #include "links/SVAudioServer.h"
+#include "links/SVMarkerServer.h"
 
 namespace sonavault {
 namespace {
@@ -33,7 +34,8 @@ ShellServices StationServices::services() {
                      .stationFolder = stationFolder_,
                      .flusher = flusher_,
                      .lineInput = lineInput_,
-                     .makeAudioLink = [this] { return std::make_unique<SVAudioServer>(log_); }},
+                     .makeAudioLink = [this] { return std::make_unique<SVAudioServer>(log_); },
+                     .makeMarkerLink = [this] { return std::make_unique<SVMarkerServer>(log_); }},
         .preferences = preferences_,
         .alerts = alerts_,
         .openFile = openOnDesktop,

@@ -254,7 +254,7 @@ TEST_F(SVAudioServerTest, reports_no_disconnect_of_a_client_it_dropped_itself_at
 
 TEST(SVAudioServer, takes_port_9171_unless_told_otherwise) {
     RecordedLog log;
-    EXPECT_EQ(SVAudioServer::kAudioPort, 9171);
+    EXPECT_EQ(kAudioPort, 9171);
     SVAudioServer server(log);
     server.start();
     EXPECT_THAT(log.lines(),

@@ -60,6 +60,16 @@ class FakeAudioLink final : public AudioLink {
     int stops = 0;
 };
 
+/// A marker link whose client is the test.
+class FakeMarkerLink final : public MarkerLink {
+  public:
+    void start() override { ++starts; }
+    void stop() override { ++stops; }
+
+    int starts = 0;
+    int stops = 0;
+};
+
 /// The program around the recorder, remembering what it was told.
 class RecordedHost final : public RecorderHost {
   public:
@@ -101,6 +111,7 @@ class RecorderFixture : public ::testing::Test {
     void makeRecorder() {
         recorder_.reset();
         link_ = nullptr;
+        markerLink_ = nullptr;
         recorder_ = std::make_unique<SVRecorder>(RecorderServices{
             .clock = clock_,
             .log = log_,
@@ -113,6 +124,12 @@ class RecorderFixture : public ::testing::Test {
                 [this] {
                     auto link = std::make_unique<FakeAudioLink>();
                     link_ = link.get();
+                    return link;
+                },
+            .makeMarkerLink =
+                [this] {
+                    auto link = std::make_unique<FakeMarkerLink>();
+                    markerLink_ = link.get();
                     return link;
                 },
         });
@@ -139,6 +156,12 @@ class RecorderFixture : public ::testing::Test {
     }
     void dropLink() {
         link_->onDisconnect();
+        mainQueue_.runAll();
+    }
+
+    /// What the automation tells, heard at once.
+    void tell(const MarkerWire& marker) {
+        markerLink_->onMarker(marker);
         mainQueue_.runAll();
     }
 
@@ -188,6 +211,7 @@ class RecorderFixture : public ::testing::Test {
     FakeLineInput input_;
     std::shared_ptr<RecordedHost> host_ = std::make_shared<RecordedHost>();
     FakeAudioLink* link_ = nullptr;
+    FakeMarkerLink* markerLink_ = nullptr;
     AudioFormat linkFormat_{22050, 1, true};
     std::unique_ptr<SVRecorder> recorder_;
 };

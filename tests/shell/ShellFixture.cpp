@@ -32,7 +32,8 @@ ShellServices ShellFixture::services() {
                              auto link = std::make_unique<ScriptedAudioLink>();
                              link_ = link.get();
                              return link;
-                         }},
+                         },
+                     .makeMarkerLink = [] { return std::make_unique<SilentMarkerLink>(); }},
         .preferences = preferences_,
         .alerts = alerts_,
         .openFile =

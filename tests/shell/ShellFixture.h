@@ -56,6 +56,13 @@ class ScriptedAudioLink final : public AudioLink {
     void stop() override {}
 };
 
+/// A marker link on which nobody speaks.
+class SilentMarkerLink final : public MarkerLink {
+  public:
+    void start() override {}
+    void stop() override {}
+};
+
 /// Answers every alert at once, and keeps them.
 class RecordedAlerts final : public Alerts {
   public:
