@@ -11,7 +11,7 @@ constexpr double kReconnectPauseSec = 0.5;
 constexpr std::size_t kMostWaiting = 100;
 
 // Beyond this the other side has stopped reading.
-constexpr qint64 kMostUnsentBytes = 1 << 20;
+constexpr qint64 kMostUnsentBytes = 8 << 20;
 
 // A clock that went further between two ticks was set, or the machine slept: the markers in between
 // were never on the air.
