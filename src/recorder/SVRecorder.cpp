@@ -6,10 +6,22 @@
 
 namespace sonavault {
 
+namespace {
+
+/// The file is about to grow, so what was computed of its waveform is about to be wrong.
+void forgetPeaks(const std::filesystem::path& audio) {
+    std::error_code ignored;
+    std::filesystem::remove(sidecarURL(audio, "peaks"), ignored);
+}
+
+}  // namespace
+
 SVRecorder::SVRecorder(RecorderServices services)
     : services_(std::move(services)),
       markers_(services_.clock, services_.log, services_.stationFolder, services_.flusher,
                [this](NonSilentWatch watch) { pipeline_.armNonSilentWatch(std::move(watch)); }),
+      midnightTimer_(services_.clock, services_.log, services_.makeMainTimer(),
+                     [this] { handleMidnightRollover(); }),
       pipeline_(services_.clock, services_.log, pipelineListener()) {
     const auto level = SVQualityLevel::current(services_.preferences);
     pipeline_.setActiveSampleRate(level.sampleRate());
@@ -178,17 +190,15 @@ void SVRecorder::startRecording() {
         log("could not resolve output folder");
         return;
     }
-    // The file is about to grow, so what was computed of its waveform is about to be wrong.
-    std::error_code ignored;
-    std::filesystem::remove(sidecarURL(urls->audio, "peaks"), ignored);
-
+    forgetPeaks(urls->audio);
     const bool started = sourceMode_ == SVRecorderSourceMode::lineInput
                              ? startFromLineInput(*urls, now)
                              : startFromLink(*urls, now);
-    if (started) enterRecording();
+    if (started) enterRecording(now);
 }
 
 bool SVRecorder::startFromLineInput(const OutputURLs& urls, WallTime now) {
+    stopLineInput();  // it goes on after a change of day that failed
     const AudioFormat format = services_.lineInput.outputFormat();
     if (!pipeline_.buildResampler(format) || !openMP3File(urls, format, now)) return false;
     services_.lineInput.installTap(kTapBufferFrames, format, [this](const AudioBufferView& buffer) {
@@ -216,12 +226,13 @@ bool SVRecorder::startFromLink(const OutputURLs& urls, WallTime now) {
     return false;
 }
 
-void SVRecorder::enterRecording() {
+void SVRecorder::enterRecording(WallTime now) {
     isRecording_ = true;
     if (auto host = controller_.lock()) host->setRecording(true);
     const std::string source = statusWords(sourceMode_);
     setStatus("Recording (" + source + ") → " + lastRecordingURL_->filename().string());
     log("started (" + source + ") → " + lastRecordingURL_->string());
+    midnightTimer_.arm(now);
 }
 
 void SVRecorder::stopRecording() {
@@ -234,6 +245,7 @@ void SVRecorder::stopRecording() {
     isRecording_ = false;
     if (auto host = controller_.lock()) host->setRecording(false);
     if (!isCadenzoConnected_) setLevel(kSilenceDb);
+    midnightTimer_.cancel();
 }
 
 void SVRecorder::stopLineInput() {
@@ -253,6 +265,35 @@ void SVRecorder::finalizeEncoder() {
 void SVRecorder::cancelEncoderAfterAbortedStart() {
     if (const auto encoder = pipeline_.end()) encoder->close();
     pipeline_.clearResampler();
+}
+
+// Midnight
+
+/// The source and the links stay as they are; buffers that come between the two files are metered
+/// and dropped, and the new file makes up for them with silence.
+void SVRecorder::handleMidnightRollover() {
+    log("midnight rollover firing");
+    if (!isRecording_) return;
+    finalizeEncoder();
+    const WallTime now = services_.clock.now();
+    if (const auto rolledOver = rollOver(now); !rolledOver) {
+        log(rolledOver.error());
+        isRecording_ = false;
+        if (auto host = controller_.lock()) host->setRecording(false);
+    }
+    midnightTimer_.arm(now);
+}
+
+Outcome SVRecorder::rollOver(WallTime now) {
+    const auto urls = services_.stationFolder.makeOutputURLs(now, services_.log);
+    const auto formats = pipeline_.resamplerFormats();
+    if (!urls || !formats) return Outcome::failure("rollover failed — pipeline not ready");
+    forgetPeaks(urls->audio);
+    if (!openMP3File(*urls, formats->output, now))
+        return Outcome::failure("rollover failed to open new MP3");
+    setStatus("Rolled over → " + urls->audio.filename().string());
+    log("rolled over → " + urls->audio.string());
+    return Done{};
 }
 
 }  // namespace sonavault

@@ -13,9 +13,11 @@
 #include "platform/DiskFlusher.h"
 #include "platform/Executor.h"
 #include "platform/Log.h"
+#include "platform/MainTimer.h"
 #include "platform/Preferences.h"
 #include "recorder/AudioPipeline.h"
 #include "recorder/MarkerIngestion.h"
+#include "recorder/MidnightTimer.h"
 #include "recorder/RecorderHost.h"
 #include "recorder/SVQualityLevel.h"
 #include "recorder/SVRecorderSourceMode.h"
@@ -42,13 +44,14 @@ struct RecorderServices {
     AudioInput& lineInput;
     std::function<std::unique_ptr<AudioLink>()> makeAudioLink;
     std::function<std::unique_ptr<MarkerLink>()> makeMarkerLink;
+    std::function<std::unique_ptr<MainTimer>()> makeMainTimer;
 };
 
 /// Records the station's air into the day's file.
 ///
 /// It keeps three promises: a day is one file however often recording stops and starts; a position
 /// in that file stays true to the wall clock; and a recording that was cut by a lost link comes
-/// back by itself.
+/// back by itself. A recording that goes on through the night goes on into the next day's file.
 ///
 /// Thread: main for all calls; buffers come in on the sources' own threads.
 class SVRecorder {
@@ -103,7 +106,7 @@ class SVRecorder {
     void startRecording();
     bool startFromLineInput(const OutputURLs& urls, WallTime now);
     bool startFromLink(const OutputURLs& urls, WallTime now);
-    void enterRecording();
+    void enterRecording(WallTime now);
     void stopRecording();
     void stopLineInput();
     void tearDownSource();
@@ -114,6 +117,8 @@ class SVRecorder {
     void handleTCPDisconnect();
     void finalizeEncoder();
     void cancelEncoderAfterAbortedStart();
+    void handleMidnightRollover();
+    Outcome rollOver(WallTime now);
 
     bool openMP3File(const OutputURLs& urls, const AudioFormat& sourceFormat, WallTime now);
     void chooseQuality(const OutputURLs& urls);
@@ -139,6 +144,7 @@ class SVRecorder {
     std::optional<std::filesystem::path> lastRecordingURL_;
     int activeBitrateKbps_;
     MarkerIngestion markers_;
+    MidnightTimer midnightTimer_;
 
     // The road of the buffers, shared with the source's thread; then what feeds it, so that it ends
     // first.

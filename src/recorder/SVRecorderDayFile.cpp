@@ -70,14 +70,15 @@ bool SVRecorder::openMP3File(const OutputURLs& urls, const AudioFormat& sourceFo
             "s at start");
     day.wallClockAnchor = anchorFor(urls, existingSec, now);
     lastRecordingURL_ = urls.audio;
+    // From here on buffers are recorded, for those that come while the sidecars are made must not
+    // wait for them.
+    pipeline_.begin(std::move(day));
 
     // The first start of the day is the anchor of all later runs, so an existing manifest is never
     // written again.
     if (!pathExists(urls.json))
         writeManifest(urls.json, now, clockSecondsSinceMidnight(now), sourceFormat);
     writeCSVHeaderIfNeeded(urls.csv, services_.flusher);
-
-    pipeline_.begin(std::move(day));
     return true;
 }
 

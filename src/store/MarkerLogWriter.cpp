@@ -1,6 +1,6 @@
 #include "store/MarkerLogWriter.h"
 
-#include "platform/AppendFile.h"
+#include "platform/AppendWhole.h"
 #include "platform/AtomicFile.h"
 #include "platform/FileQueries.h"
 #include "platform/Format.h"
@@ -34,13 +34,9 @@ void writeCSVHeaderIfNeeded(const std::filesystem::path& log, DiskFlusher& flush
 
 Outcome appendMarkerRow(const std::filesystem::path& log, const std::string& row,
                         DiskFlusher& flusher) {
-    if (!pathExists(log)) return Outcome::failure("No such file or directory");
-    auto file = AppendFile::open(log, flusher);
-    if (!file) return Outcome::failure(file.error());
-    const auto* bytes = reinterpret_cast<const std::uint8_t*>(row.data());
-    if (!file.value()->write({bytes, row.size()}))
-        return Outcome::failure("the row could not be written whole");
-    return Done{};
+    auto appended = appendWhole(log, row);
+    if (appended) flusher.flushSoon(log);
+    return appended;
 }
 
 }  // namespace sonavault

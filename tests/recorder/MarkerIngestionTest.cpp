@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "recorder/RecorderFixture.h"
+#include "support/ScarceDescriptors.h"
 
 namespace sonavault {
 namespace {
@@ -158,6 +159,16 @@ TEST_F(Markers, forgets_at_a_change_of_source) {
     useLink();
     tell(marker("hour"));
     EXPECT_EQ(rows(), 2);
+}
+
+TEST_F(Markers, keeps_every_row_of_a_burst_while_descriptors_are_scarce) {
+    {
+        testing::ScarceDescriptors scarce;
+        for (int i = 0; i < 8; ++i) scarce.giveOneBack();
+        for (int i = 0; i < 1000; ++i) markerLink_->onMarker(marker("note", std::to_string(i)));
+        mainQueue_.runAll();
+    }
+    EXPECT_EQ(rows(), 1000);
 }
 
 // Failures

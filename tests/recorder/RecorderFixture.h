@@ -11,6 +11,7 @@
 #include "store/RecordingManifest.h"
 #include "support/ManualClock.h"
 #include "support/ManualQueue.h"
+#include "support/ManualTimers.h"
 #include "support/RecordedLog.h"
 #include "support/ScopedTimeZone.h"
 #include "support/TempFolder.h"
@@ -132,6 +133,7 @@ class RecorderFixture : public ::testing::Test {
                     markerLink_ = link.get();
                     return link;
                 },
+            .makeMainTimer = [this] { return timers_.make(); },
         });
         recorder_->setController(host_);
     }
@@ -191,7 +193,7 @@ class RecorderFixture : public ::testing::Test {
                                 ? linkFormat_.sampleRate
                                 : input_.format.sampleRate;
         for (double done = 0; done < seconds - 1e-9; done += static_cast<double>(kBuffer) / rate) {
-            clock_.advance(static_cast<double>(kBuffer) / rate);
+            timers_.pass(static_cast<double>(kBuffer) / rate);
             send(kBuffer);
         }
     }
@@ -203,6 +205,7 @@ class RecorderFixture : public ::testing::Test {
     TempFolder temp_;
     const ScopedTimeZone zone_{"Europe/Berlin"};
     ManualClock clock_{at("2026-03-02T13:05:09.123Z")};
+    ManualTimers timers_{clock_};
     RecordedLog log_;
     ManualQueue mainQueue_;
     Preferences preferences_{temp_ / "standard.conf"};

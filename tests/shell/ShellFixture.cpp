@@ -33,7 +33,8 @@ ShellServices ShellFixture::services() {
                              link_ = link.get();
                              return link;
                          },
-                     .makeMarkerLink = [] { return std::make_unique<SilentMarkerLink>(); }},
+                     .makeMarkerLink = [] { return std::make_unique<SilentMarkerLink>(); },
+                     .makeMainTimer = [this] { return timers_.make(); }},
         .preferences = preferences_,
         .alerts = alerts_,
         .openFile =
@@ -51,7 +52,7 @@ void ShellFixture::launch() {
 
 void ShellFixture::passSeconds(double seconds) {
     for (double passed = 0; passed < seconds - 1e-9; passed += 0.05) {
-        clock_.advance(0.05);
+        timers_.pass(0.05);
         tickOnce();
     }
 }
@@ -60,7 +61,7 @@ void ShellFixture::playSeconds(double seconds, float amplitude) {
     constexpr FrameCount kBuffer = 4800;
     const double bufferSeconds = static_cast<double>(kBuffer) / input_.outputFormat().sampleRate;
     for (double played = 0; played < seconds - 1e-9; played += bufferSeconds) {
-        clock_.advance(bufferSeconds);
+        timers_.pass(bufferSeconds);
         input_.deliver(kBuffer, amplitude);
     }
 }

@@ -11,6 +11,7 @@
 #include "support/ExpectedQtWarnings.h"
 #include "support/ManualClock.h"
 #include "support/ManualQueue.h"
+#include "support/ManualTimers.h"
 #include "support/RecordedLog.h"
 #include "support/ScopedTimeZone.h"
 #include "support/TempFolder.h"
@@ -115,6 +116,7 @@ class ShellFixture : public ::testing::Test {
     TempFolder temp_;
     const ScopedTimeZone zone_{"Europe/Berlin"};
     ManualClock clock_{at("2026-03-02T13:05:09.123Z")};
+    ManualTimers timers_{clock_};
     RecordedLog log_;
     ManualQueue mainQueue_;
     Preferences preferences_{temp_ / "standard.conf"};
