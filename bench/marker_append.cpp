@@ -49,6 +49,7 @@ class Station {
 
 std::vector<MarkerWire> aBusyDay() {
     std::vector<MarkerWire> markers;
+    markers.reserve(kMarkers);
     for (int i = 0; i < kMarkers; ++i)
         markers.push_back({.type = i % 3 == 0 ? "break_start" : "vt_pre",
                            .clockTime = "14:05:09",
@@ -77,18 +78,20 @@ void wholeIngestion(benchmark::State& state) {
     const SystemClock clock;
     const auto markers = aBusyDay();
     std::vector<std::string> rows;
+    rows.reserve(markers.size());
     for (const auto& each : markers)
         rows.push_back(markerRow(each.clockTime, each.type, *each.label, *each.durationSec));
     double bare = 0;
     double whole = 0;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         const auto bareFile = station.home() / "bare.csv";
         std::filesystem::remove(bareFile);
         bare += secondsOf([&] { appendBare(bareFile, rows); });
 
         CountingLog log;
         DiskFlusher flusher;
-        MarkerIngestion ingestion(clock, log, station.folder(), flusher, [](NonSilentWatch) {});
+        MarkerIngestion ingestion(clock, log, station.folder(), flusher,
+                                  [](const NonSilentWatch&) {});
         const double took = secondsOf([&] {
             for (const auto& each : markers) ingestion.handleIncomingMarker(each);
         });
