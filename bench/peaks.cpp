@@ -146,7 +146,7 @@ void peaksOfADay(benchmark::State& state) {
     double memory = 0;
     double peaksProcessor = 0;
     double decodeProcessor = 0;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         decodeProcessor +=
             processorSecondsOf([&] { decode += secondsOf([&] { decodeOnAllCores(file); }); });
         std::ofstream("/proc/self/clear_refs") << "5";  // the highest mark begins anew
@@ -182,7 +182,7 @@ void peaksOfAGrownDay(benchmark::State& state) {
     PeaksGenerator generator;
     const double whole = secondsOf([&] { (void)generator.generate(file, 0.25); });
     double grown = 0;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         std::ofstream(file, std::ios::binary | std::ios::app)
             .write(minute.data(), std::ssize(minute));
         const double took = secondsOf([&] { (void)generator.generate(file, 0.25); });
@@ -204,7 +204,7 @@ void firstSoundAtHalfPastEleven(benchmark::State& state) {
     double play = 0;
     double preRoll = 0;
     const FrameCount position = 84600LL * 16000 + 100;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         const double took = secondsOf([&] {
             if (!index.extend()) std::abort();
             const auto decoder =
