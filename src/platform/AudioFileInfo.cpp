@@ -159,7 +159,7 @@ std::int64_t Mp3Walk::findTrueFrame(std::int64_t from) const {
 std::int64_t Mp3Walk::findChain(std::int64_t from, std::int64_t to) const {
     const std::uint32_t kind = kindAt(to);
     // A chain that meets one that led elsewhere leads there too: no header is looked at twice.
-    std::bitset<2 * kMp3MaxFrameBytes> tried;
+    std::bitset<static_cast<std::size_t>(kMp3MaxFrameBytes) * 2> tried;
     const auto index = [from](std::int64_t at) { return static_cast<std::size_t>(at - from); };
     for (std::int64_t place = from; place < to; ++place) {
         place = findSync(data_ + place, data_ + to) - data_;

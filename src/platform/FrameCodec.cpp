@@ -1,9 +1,14 @@
 #include "platform/FrameCodec.h"
 
+#include <algorithm>
 #include <cstring>
-#include <limits>
 
 namespace sonavault {
+namespace {
+
+constexpr std::size_t kPacketBytes = 2048;  // room for any MPEG frame
+
+}  // namespace
 
 std::unique_ptr<FrameCodec> FrameCodec::open(AVCodecID id, const AVCodecParameters* parameters) {
     silenceLibAv();
@@ -24,14 +29,27 @@ std::unique_ptr<FrameCodec> FrameCodec::open(AVCodecID id, const AVCodecParamete
 }
 
 const AVFrame* FrameCodec::decode(std::span<const std::uint8_t> frame) {
-    // The library reads a little beyond a packet's end, so it gets a copy with room behind it: what
-    // follows in the file must not show in the sound.
-    if (frame.size() > std::numeric_limits<int>::max() / 2) return nullptr;
-    if (av_new_packet(packet_.get(), static_cast<int>(frame.size())) < 0) return nullptr;
+    if (!makePacketFor(frame.size())) return nullptr;
     std::memcpy(packet_->data, frame.data(), frame.size());
-    const AVFrame* const decoded = decode(*packet_);
+    // The library reads a little beyond a packet's end: what follows in the file must not show in
+    // the sound.
+    std::memset(packet_->data + frame.size(), 0, AV_INPUT_BUFFER_PADDING_SIZE);
+    packet_->size = static_cast<int>(frame.size());
+    return decode(*packet_);
+}
+
+/// The same memory again and again, as long as the library has let go of it: its own way costs more
+/// in allocations than a silent frame in decoding.
+bool FrameCodec::makePacketFor(std::size_t bytes) {
+    const std::size_t needed = bytes + AV_INPUT_BUFFER_PADDING_SIZE;
+    const bool reusable =
+        packet_->buf && packet_->buf->size >= needed && av_buffer_is_writable(packet_->buf) == 1;
+    if (reusable) return true;
     av_packet_unref(packet_.get());
-    return decoded;
+    packet_->buf = av_buffer_alloc(std::max(needed, kPacketBytes));
+    if (!packet_->buf) return false;
+    packet_->data = packet_->buf->data;
+    return true;
 }
 
 const AVFrame* FrameCodec::decode(const AVPacket& packet) {

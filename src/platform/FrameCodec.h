@@ -29,6 +29,7 @@ class FrameCodec {
 
   private:
     FrameCodec() = default;
+    bool makePacketFor(std::size_t bytes);
 
     LibAvPtr<AVCodecContext> context_;
     LibAvPtr<AVPacket> packet_;
