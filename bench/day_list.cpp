@@ -160,7 +160,7 @@ void listAgainstReadingBothEnds(benchmark::State& state, Lengths lengths, bool c
     if (!listYear()) return state.SkipWithError("a row is wrong");
     double list = 0;
     double ends = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         if (lengths == Lengths::unknown) fs::remove_all(year().cache());
         if (cold && !emptyFileCache())
             return state.SkipWithError("the file cache can't be emptied");

@@ -37,7 +37,7 @@ class MarkerLog {
 
 void parsesADay(benchmark::State& state) {
     const MarkerLog log;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         const auto markers = parseMarkerCSV(log.file());
         if (!markers || markers->size() != kMarkers)
             return state.SkipWithError("markers are missing");
@@ -47,7 +47,7 @@ BENCHMARK(parsesADay)->Unit(benchmark::kMillisecond);
 
 void countsADay(benchmark::State& state) {
     const MarkerLog log;
-    for (auto _ : state)
+    while (state.KeepRunning())
         if (countMarkerLines(log.file()) != kMarkers)
             return state.SkipWithError("markers are missing");
 }

@@ -73,6 +73,7 @@ std::vector<DailyRecording> DayList::scanRecordingsFolder() {
     if (const auto folder = recordingsFolder(station_))
         for (auto& row : scanOneRecordingsFolder(*folder)) byDate.emplace(row.date, std::move(row));
     std::vector<DailyRecording> rows;
+    rows.reserve(byDate.size());
     for (auto& [date, row] : byDate) rows.push_back(std::move(row));
     return rows;
 }

@@ -79,5 +79,25 @@ TEST_F(RecordingLengthTest, has_the_label_of_the_walk_at_every_frame_around_a_mi
     }
 }
 
+TEST_F(RecordingLengthTest, of_many_files_at_once_is_each_files_own) {
+    std::vector<StampedFile> files;
+    std::vector<double> expected;  // 0 for what is no audio
+    for (int i = 0; i < 40; ++i) {
+        const auto file = folder_ / std::to_string(i);
+        // Some are long enough for a few places to do.
+        const int frames = i % 3 == 0 ? 0 : (i % 2 ? 6000 : 50) + i;
+        writeFile(file, frames ? dayRun(frames, kGood) : "no audio");
+        files.push_back({file, fileStamp(file).value_or(FileStamp{})});
+        expected.push_back(frames * 0.036);
+    }
+    const auto lengths = recordingLengthsSec(files);
+    ASSERT_EQ(lengths.size(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_EQ(lengths[i].has_value(), expected[i] > 0) << i;
+        EXPECT_NEAR(lengths[i].value_or(0), expected[i], 1e-6) << i;
+    }
+    EXPECT_TRUE(recordingLengthsSec({}).empty());
+}
+
 }  // namespace
 }  // namespace sonavault::testing
