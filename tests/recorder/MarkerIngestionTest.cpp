@@ -347,13 +347,13 @@ TEST_F(Markers, passes_an_event_of_another_road_over_without_a_folder) {
 // Both links together
 
 TEST_F(Markers, come_over_a_link_that_starts_and_stops_with_the_audio_link) {
-    EXPECT_EQ(link_->starts, 1);
-    EXPECT_EQ(markerLink_->starts, 1);
+    EXPECT_TRUE(linkLife_.listens());
+    EXPECT_TRUE(markerLinkLife_.listens());
     EXPECT_FALSE(markerLink_->onConnect);
     EXPECT_FALSE(markerLink_->onDisconnect);
-    markerLink_ = nullptr;
     useLineInput();
-    EXPECT_EQ(markerLink_, nullptr) << "the line input has no marker link";
+    EXPECT_FALSE(markerLinkLife_.listens()) << "the line input has no marker link";
+    EXPECT_EQ(markerLinkLife_.starts, 1);
 }
 
 TEST_F(Markers, count_still_when_they_were_heard_just_before_the_source_changed) {

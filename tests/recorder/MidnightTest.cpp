@@ -134,8 +134,8 @@ TEST_F(Midnight, takes_the_quality_that_is_chosen_by_then) {
 TEST_F(Midnight, keeps_the_link_and_its_resampler) {
     recordLinkFrom("2026-03-02T22:59:50.0Z");
     runFor(13);
-    EXPECT_EQ(link_->starts, 1);
-    EXPECT_EQ(link_->stops, 0);
+    EXPECT_EQ(linkLife_.starts, 1);
+    EXPECT_EQ(linkLife_.stops, 0);
     EXPECT_EQ(manifest(kNext).deviceName, "Cadenzo TCP @ 22050Hz/1ch");
     EXPECT_NEAR(static_cast<double>(framesWritten()), 2.1 * 22050, kTolerance);
     EXPECT_TRUE(recorder_->isRecording());

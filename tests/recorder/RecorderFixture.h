@@ -52,26 +52,26 @@ class FakeLineInput final : public AudioInput {
     bool running_ = false;
 };
 
-/// An audio link whose client is the test. `running` outlives it and tells whether it listens.
-class FakeAudioLink final : public AudioLink {
-  public:
-    explicit FakeAudioLink(bool& running) : running_(running) {}
-    void start() override { running_ = true; }
-    void stop() override { running_ = false; }
-
-  private:
-    bool& running_;
-};
-
-/// A marker link whose client is the test.
-class FakeMarkerLink final : public MarkerLink {
-  public:
-    void start() override { ++starts; }
-    void stop() override { ++stops; }
-
+/// How often a link was started and stopped; outlives the link.
+struct LinkLife {
     int starts = 0;
     int stops = 0;
+    bool listens() const { return starts > stops; }
 };
+
+/// A link whose client is the test.
+template <class Link>
+class FakeLink final : public Link {
+  public:
+    explicit FakeLink(LinkLife& life) : life_(life) {}
+    void start() override { ++life_.starts; }
+    void stop() override { ++life_.stops; }
+
+  private:
+    LinkLife& life_;
+};
+using FakeAudioLink = FakeLink<AudioLink>;
+using FakeMarkerLink = FakeLink<MarkerLink>;
 
 /// The program around the recorder, remembering what it was told.
 class RecordedHost final : public RecorderHost {
@@ -125,13 +125,13 @@ class RecorderFixture : public ::testing::Test {
             .lineInput = input_,
             .makeAudioLink =
                 [this] {
-                    auto link = std::make_unique<FakeAudioLink>(linkListens_);
+                    auto link = std::make_unique<FakeAudioLink>(linkLife_);
                     link_ = link.get();
                     return link;
                 },
             .makeMarkerLink =
                 [this] {
-                    auto link = std::make_unique<FakeMarkerLink>();
+                    auto link = std::make_unique<FakeMarkerLink>(markerLinkLife_);
                     markerLink_ = link.get();
                     return link;
                 },
@@ -216,7 +216,8 @@ class RecorderFixture : public ::testing::Test {
     FakeLineInput input_;
     std::shared_ptr<RecordedHost> host_ = std::make_shared<RecordedHost>();
     FakeAudioLink* link_ = nullptr;
-    bool linkListens_ = false;
+    LinkLife linkLife_;
+    LinkLife markerLinkLife_;
     FakeMarkerLink* markerLink_ = nullptr;
     AudioFormat linkFormat_{22050, 1, true};
     std::unique_ptr<SVRecorder> recorder_;
