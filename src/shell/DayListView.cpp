@@ -30,7 +30,7 @@ DayListView::DayListView(QWidget* parent) : QListWidget(parent) {
     setFocusPolicy(Qt::NoFocus);  // the content keeps the keys
     setStyleSheet(
         QStringLiteral("QListWidget { background: rgb(250,250,250); color: rgb(26,26,26); "
-                       "padding: 8px; } QListWidget::item { padding: 6px; } "
+                       "padding: 8px; } QListWidget::item { padding: 6px; border: none; } "
                        "QListWidget::item:selected { background: rgb(199,201,204); "
                        "color: rgb(26,26,26); }"));
     connect(this, &QListWidget::itemClicked, this, [this](QListWidgetItem* item) {
