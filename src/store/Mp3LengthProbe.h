@@ -11,10 +11,12 @@ namespace sonavault {
 ///
 /// Frames of a constant bitrate lie on a grid. Places are looked at in the beginning, at the end
 /// and evenly in between. Where two neighbours lie on one grid, the frames between them are
-/// computed; where they don't, the seam between them is closed in on by halves and walked. What is
-/// taken on trust is that two neighbours on one grid have nothing between them that leaves it and
-/// comes back to it by chance; the tail of a torn frame does so once in a hundred times, and is a
-/// few hundredths of a second when it does.
+/// computed; where they don't, the seam between them is closed in on by halves and walked.
+///
+/// What is taken on trust is that two neighbours on one grid have nothing between them that leaves
+/// it and comes back to it. Torn frames between them do so once in a hundred times by chance, and
+/// cost a few hundredths of a second then. A change to a quality with frames of the same length,
+/// and back, would not be seen either; a day that has its manifest keeps its quality.
 ///
 /// Thread: any. Units: seconds. Errors: nothing, when the file can't be read or is no such stream:
 /// it has to be walked.
