@@ -41,11 +41,12 @@ Result<FrameCount> Mp3FrameIndex::extend(const std::stop_token& stop) {
     const auto mapped = MappedFile::open(file_, MappedFile::Order::frontToBack);
     if (!mapped) return Extended::failure(mapped.error());
     const auto bytes = mapped.value().bytes();
-    const auto identity = fileIdentity(file_);
+    const auto stamp = fileStamp(file_);
 
-    const bool continued = identity == identity_ && isContinuedIn(bytes);
+    const bool sameFile = stamp && stamp_ && stamp->inode == stamp_->inode;
+    const bool continued = sameFile && isContinuedIn(bytes);
     Mp3FrameIndex grown = continued ? *this : Mp3FrameIndex(file_);
-    grown.identity_ = identity;
+    grown.stamp_ = stamp;
     grown.fileBytes_ = bytes.size();
     grown.forgetUnsettled(bytes);
     const FrameCount known = grown.length_.frames();

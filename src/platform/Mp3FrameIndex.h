@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "platform/AudioFileInfo.h"
-#include "platform/FileIdentity.h"
+#include "platform/FileStamp.h"
 #include "platform/MappedFile.h"
 #include "platform/Mp3Length.h"
 
@@ -89,7 +89,7 @@ class Mp3FrameIndex {
     bool isContinuedIn(std::span<const std::uint8_t> bytes) const;
 
     std::filesystem::path file_;
-    std::optional<FileIdentity> identity_;
+    std::optional<FileStamp> stamp_;
     std::vector<Group> groups_;
     Mp3Length length_;
     int channels_ = 0;
