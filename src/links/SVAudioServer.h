@@ -6,6 +6,7 @@
 #include "links/AudioLink.h"
 #include "links/AudioStream.h"
 #include "links/SingleClientServer.h"
+#include "links/StationPorts.h"
 
 namespace sonavault {
 
@@ -18,8 +19,6 @@ namespace sonavault {
 /// Thread: as AudioLink; callbacks come on the queue "com.calderwave.sonavault.audiosrv".
 class SVAudioServer final : public AudioLink, private ClientProtocol {
   public:
-    static constexpr std::uint16_t kAudioPort = 9171;
-
     /// `port` 0 lets the system choose one.
     explicit SVAudioServer(Log& log, std::uint16_t port = kAudioPort);
     ~SVAudioServer() override;

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <bitset>
-#include <cmath>
 #include <cstring>
-#include <map>
 
+#include "platform/M4aDecoder.h"
 #include "platform/MappedFile.h"
+#include "platform/Mp3Length.h"
 
 namespace sonavault {
 namespace {
@@ -48,13 +48,18 @@ Mp3Walk::Mp3Walk(std::span<const std::uint8_t> file)
       at_(std::min(mp3DataStart(file), end_)),
       firstFrameBy_(std::min(end_, at_ + kFirstFrameWithin)) {}
 
-std::optional<Mp3Run> Mp3Walk::next() {
+Mp3Walk::Mp3Walk(std::span<const std::uint8_t> file, std::int64_t frame) : Mp3Walk(file) {
+    at_ = std::min(frame, end_);
+    firstFrameBy_ = end_;
+}
+
+std::optional<Mp3Run> Mp3Walk::next(std::int64_t atMost) {
     while (goToFrame()) {
         Mp3Run run;
         run.begin = at_;
         run.header = *headerAt(at_);
-        takeFollowed(run);
-        judgeLast(run);
+        takeFollowed(run, atMost);
+        if (run.count < atMost) judgeLast(run);
         if (run.count > 0) return run;
     }
     return std::nullopt;
@@ -68,8 +73,9 @@ bool Mp3Walk::goToFrame() {
     return true;
 }
 
-/// Counts the frames that are followed by one of their own kind, and moves to the one that is not.
-void Mp3Walk::takeFollowed(Mp3Run& run) {
+/// Counts the frames that are followed by one of their own kind, and moves to the one that is not,
+/// or behind the last that is asked for.
+void Mp3Walk::takeFollowed(Mp3Run& run, std::int64_t atMost) {
     const std::uint8_t* frame = data_ + at_;
     const std::uint8_t* const last = data_ + end_ - kHeaderBytes;
     const std::uint32_t plain = wordAt(frame) & kKindMask;
@@ -77,7 +83,7 @@ void Mp3Walk::takeFollowed(Mp3Run& run) {
     const std::int64_t length[2] = {run.header.frameBytes - padding,
                                     run.header.frameBytes - padding + 1};
     std::int64_t followed = 0;
-    for (;;) {
+    while (followed < atMost) {
         const std::int64_t step = length[(wordAt(frame) & kPaddingBit) != 0];
         if (last - frame < step || (wordAt(frame + step) & kKindMask) != plain) break;
         frame += step;
@@ -153,7 +159,7 @@ std::int64_t Mp3Walk::findTrueFrame(std::int64_t from) const {
 std::int64_t Mp3Walk::findChain(std::int64_t from, std::int64_t to) const {
     const std::uint32_t kind = kindAt(to);
     // A chain that meets one that led elsewhere leads there too: no header is looked at twice.
-    std::bitset<2 * kMp3MaxFrameBytes> tried;
+    std::bitset<static_cast<std::size_t>(kMp3MaxFrameBytes) * 2> tried;
     const auto index = [from](std::int64_t at) { return static_cast<std::size_t>(at - from); };
     for (std::int64_t place = from; place < to; ++place) {
         place = findSync(data_ + place, data_ + to) - data_;
@@ -168,25 +174,15 @@ std::int64_t Mp3Walk::findChain(std::int64_t from, std::int64_t to) const {
 }
 
 Result<AudioFileInfo> walkMp3(std::span<const std::uint8_t> file) {
-    std::map<int, std::int64_t> samplesAtRate;
-    AudioFileInfo info;
+    Mp3Length length;
     Mp3Walk walk(file);
-    while (const auto run = walk.next()) {
-        if (info.sampleRate == 0) info.sampleRate = run->header.sampleRate;
-        samplesAtRate[run->header.sampleRate] += run->count * run->header.samplesPerFrame;
-    }
-    if (samplesAtRate.empty())
-        return Result<AudioFileInfo>::failure("The file holds no MPEG audio frame");
-
-    // Whole samples until the end: a day of added-up seconds would be off by a few.
-    double frames = 0;
-    for (const auto& [rate, samples] : samplesAtRate)
-        frames += static_cast<double>(samples) * info.sampleRate / rate;
-    info.frames = std::llround(frames);
-    return info;
+    while (const auto run = walk.next()) length.add(run->header, run->count);
+    if (length.firstRate() == 0) return Result<AudioFileInfo>::failure(kNoMp3Frame);
+    return AudioFileInfo{length.frames(), static_cast<double>(length.firstRate())};
 }
 
 Result<AudioFileInfo> readAudioFileInfo(const std::filesystem::path& file) {
+    if (isM4aName(file)) return readM4aInfo(file);
     const auto mapped = MappedFile::open(file, MappedFile::Order::frontToBack);
     if (!mapped) return Result<AudioFileInfo>::failure(mapped.error());
     return walkMp3(mapped.value().bytes());

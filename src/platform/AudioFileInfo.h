@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <optional>
 #include <span>
 
@@ -49,16 +50,23 @@ class Mp3Walk {
     /// refused at once.
     static constexpr std::int64_t kFirstFrameWithin = std::int64_t{16} << 20;
 
+    /// How far ahead of a frame the walk looks before it decides whether the frame counts. Of a
+    /// file that grows, frames that lie further from its end are settled.
+    static constexpr std::int64_t kLookAhead = std::int64_t{3} * kMp3MaxFrameBytes;
+
     /// `file` is the whole file, and stays where it is as long as the walk.
     explicit Mp3Walk(std::span<const std::uint8_t> file);
 
-    /// The next run, or nothing when there is none. A run ends at the latest where its kind ends,
-    /// but may end sooner.
-    std::optional<Mp3Run> next();
+    /// Goes on at `frame`, where an earlier walk of the same file found a frame.
+    Mp3Walk(std::span<const std::uint8_t> file, std::int64_t frame);
+
+    /// The next run of at most `atMost` frames, or nothing when there is none. A run ends at the
+    /// latest where its kind ends, but may end sooner.
+    std::optional<Mp3Run> next(std::int64_t atMost = std::numeric_limits<std::int64_t>::max());
 
   private:
     bool goToFrame();
-    void takeFollowed(Mp3Run& run);
+    void takeFollowed(Mp3Run& run, std::int64_t atMost);
     void judgeLast(Mp3Run& run);
 
     std::optional<Mp3Header> headerAt(std::int64_t at) const;

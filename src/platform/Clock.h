@@ -12,6 +12,10 @@ using Seconds = std::chrono::duration<double>;
 
 /// Seconds from `from` to `to`, negative when `to` is earlier.
 inline double secondsBetween(WallTime from, WallTime to) {
+    // A moment before 1970 may lie so far from one after it that the clock's own count of the time
+    // between them overflows; nothing that far needs to be exact.
+    if ((from < WallTime{}) != (to < WallTime{}))
+        return Seconds(to.time_since_epoch()).count() - Seconds(from.time_since_epoch()).count();
     return Seconds(to - from).count();
 }
 

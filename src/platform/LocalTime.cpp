@@ -151,6 +151,22 @@ double clockSecondsSinceMidnight(WallTime moment) {
     return local.hour * 3600 + local.minute * 60 + local.second + local.nanosecond / 1e9;
 }
 
+// Found by halving, because calendar arithmetic has no answer for a midnight that does not exist or
+// comes twice.
+WallTime startOfNextLocalDay(WallTime moment) {
+    using std::chrono::seconds;
+    const std::string today = isoDateString(moment);
+    const std::int64_t from = split(moment).second;
+    std::int64_t last = 0;  // seconds after `from`: still today
+    std::int64_t next = 1;  // not today any more
+    while (isoDateString(WallTime(seconds(from + next))) == today) next *= 2;
+    while (next - last > 1) {
+        const std::int64_t middle = last + (next - last) / 2;
+        (isoDateString(WallTime(seconds(from + middle))) == today ? last : next) = middle;
+    }
+    return WallTime(seconds(from + next));
+}
+
 std::string iso8601WithMilliseconds(WallTime moment) {
     const SplitMoment parts = split(moment);
     const std::chrono::sys_seconds seconds{std::chrono::seconds(parts.second)};

@@ -28,6 +28,10 @@ std::string isoDateString(WallTime moment);
 /// time elapsed, so that 03:00 is 10800 on a day of any length.
 double clockSecondsSinceMidnight(WallTime moment);
 
+/// The first moment of the local day after that of `moment`. Days of 23 and 25 hours count as they
+/// are, and where midnight is skipped, the next day begins after the gap.
+WallTime startOfNextLocalDay(WallTime moment);
+
 /// `moment` in UTC in the internet date-time form with milliseconds: "2026-03-01T14:05:09.123Z"
 /// (RFC 3339).
 std::string iso8601WithMilliseconds(WallTime moment);

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -45,19 +46,30 @@ Result<MappedFile> MappedFile::open(const std::filesystem::path& file, Order ord
     if (order == Order::frontToBack) ::madvise(address, size, MADV_SEQUENTIAL);
     mapped.data_ = static_cast<const std::uint8_t*>(address);
     mapped.size_ = size;
+    mapped.guard_ = std::make_unique<MappingGuard>(address, size);
     return mapped;
 }
 
+void MappedFile::letGoBefore(std::int64_t offset) const {
+    const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+    const std::size_t bytes = std::min(static_cast<std::size_t>(offset), size_) / page * page;
+    if (bytes > 0) ::madvise(const_cast<std::uint8_t*>(data_), bytes, MADV_DONTNEED);
+}
+
 MappedFile::MappedFile(MappedFile&& other) noexcept
-    : data_(std::exchange(other.data_, nullptr)), size_(std::exchange(other.size_, 0)) {}
+    : data_(std::exchange(other.data_, nullptr)),
+      size_(std::exchange(other.size_, 0)),
+      guard_(std::move(other.guard_)) {}
 
 MappedFile& MappedFile::operator=(MappedFile&& other) noexcept {
     std::swap(data_, other.data_);
     std::swap(size_, other.size_);
+    std::swap(guard_, other.guard_);
     return *this;
 }
 
 MappedFile::~MappedFile() {
+    guard_.reset();
     // munmap wants the address as it was given out, without const.
     if (data_) ::munmap(const_cast<std::uint8_t*>(data_), size_);
 }

@@ -110,4 +110,9 @@ std::filesystem::path homeFolder() {
     return home ? *home : homeOfUser();
 }
 
+std::filesystem::path cacheFolder() {
+    const auto caches = folderFromEnvironment("XDG_CACHE_HOME");
+    return caches.value_or(homeFolder() / ".cache") / "sonavault";
+}
+
 }  // namespace sonavault

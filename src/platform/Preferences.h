@@ -38,4 +38,7 @@ class Preferences {
 /// The person's home folder, from the environment.
 std::filesystem::path homeFolder();
 
+/// Where the program keeps what it can make anew at any time.
+std::filesystem::path cacheFolder();
+
 }  // namespace sonavault

@@ -1,12 +1,27 @@
 #include "recorder/SVRecorder.h"
 
+#include "links/StationPorts.h"
 #include "platform/Format.h"
 #include "platform/SampleMath.h"
 
 namespace sonavault {
 
+namespace {
+
+/// The file is about to grow, so what was computed of its waveform is about to be wrong.
+void forgetPeaks(const std::filesystem::path& audio) {
+    std::error_code ignored;
+    std::filesystem::remove(sidecarURL(audio, "peaks"), ignored);
+}
+
+}  // namespace
+
 SVRecorder::SVRecorder(RecorderServices services)
     : services_(std::move(services)),
+      markers_(services_.clock, services_.log, services_.stationFolder, services_.flusher,
+               [this](NonSilentWatch watch) { pipeline_.armNonSilentWatch(std::move(watch)); }),
+      midnightTimer_(services_.clock, services_.log, services_.makeMainTimer(),
+                     [this] { handleMidnightRollover(); }),
       pipeline_(services_.clock, services_.log, pipelineListener()) {
     const auto level = SVQualityLevel::current(services_.preferences);
     pipeline_.setActiveSampleRate(level.sampleRate());
@@ -17,6 +32,7 @@ SVRecorder::~SVRecorder() {
     if (lineInputTapInstalled_) services_.lineInput.removeTap();
     if (services_.lineInput.isRunning()) services_.lineInput.stop();
     if (audioServer_) audioServer_->stop();
+    if (markerServer_) markerServer_->stop();
 }
 
 AudioPipeline::Listener SVRecorder::pipelineListener() {
@@ -62,14 +78,25 @@ void SVRecorder::tearDownSource() {
     stopLineInput();
     if (audioServer_) audioServer_->stop();
     audioServer_.reset();
+    if (markerServer_) markerServer_->stop();
+    markerServer_.reset();
     linkLifetime_ =
         Lifetime();  // what the old link has still posted must not act on the new source
     pipeline_.clearResampler();
     isCadenzoConnected_ = false;
     setLevel(kSilenceDb);
+    // Only here: a link that was lost and came back must not bring old events again.
+    markers_.forgetMarkers();
 }
 
 void SVRecorder::startTCPListener() {
+    startAudioServer();
+    startMarkerServer();
+    setStatus("Listening for Cadenzo (audio :" + std::to_string(kAudioPort) +
+              ", markers :" + std::to_string(kMarkerPort) + ")…");
+}
+
+void SVRecorder::startAudioServer() {
     audioServer_ = services_.makeAudioLink();
     audioServer_->onHandshake = [this](const AudioFormat& format) {
         services_.mainQueue.post(
@@ -80,8 +107,17 @@ void SVRecorder::startTCPListener() {
         services_.mainQueue.post(linkLifetime_.guard([this] { handleTCPDisconnect(); }));
     };
     audioServer_->start();
-    setStatus("Listening for Cadenzo (audio :" + std::to_string(kAudioPort) +
-              ", markers :" + std::to_string(kMarkerPort) + ")…");
+}
+
+void SVRecorder::startMarkerServer() {
+    markerServer_ = services_.makeMarkerLink();
+    // Unlike what a link says of itself, what it reported of the day still counts when the source
+    // has changed meanwhile.
+    markerServer_->onMarker = [this](const MarkerWire& marker) {
+        services_.mainQueue.post(
+            lifetime_.guard([this, marker] { markers_.handleIncomingMarker(marker); }));
+    };
+    markerServer_->start();
 }
 
 void SVRecorder::handleTCPHandshake(const AudioFormat& format) {
@@ -154,14 +190,11 @@ void SVRecorder::startRecording() {
         log("could not resolve output folder");
         return;
     }
-    // The file is about to grow, so what was computed of its waveform is about to be wrong.
-    std::error_code ignored;
-    std::filesystem::remove(sidecarURL(urls->audio, "peaks"), ignored);
-
+    forgetPeaks(urls->audio);
     const bool started = sourceMode_ == SVRecorderSourceMode::lineInput
                              ? startFromLineInput(*urls, now)
                              : startFromLink(*urls, now);
-    if (started) enterRecording();
+    if (started) enterRecording(now);
 }
 
 bool SVRecorder::startFromLineInput(const OutputURLs& urls, WallTime now) {
@@ -192,12 +225,13 @@ bool SVRecorder::startFromLink(const OutputURLs& urls, WallTime now) {
     return false;
 }
 
-void SVRecorder::enterRecording() {
+void SVRecorder::enterRecording(WallTime now) {
     isRecording_ = true;
     if (auto host = controller_.lock()) host->setRecording(true);
     const std::string source = statusWords(sourceMode_);
     setStatus("Recording (" + source + ") → " + lastRecordingURL_->filename().string());
     log("started (" + source + ") → " + lastRecordingURL_->string());
+    midnightTimer_.arm(now);
 }
 
 void SVRecorder::stopRecording() {
@@ -210,6 +244,7 @@ void SVRecorder::stopRecording() {
     isRecording_ = false;
     if (auto host = controller_.lock()) host->setRecording(false);
     if (!isCadenzoConnected_) setLevel(kSilenceDb);
+    midnightTimer_.cancel();
 }
 
 void SVRecorder::stopLineInput() {
@@ -222,6 +257,8 @@ void SVRecorder::finalizeEncoder() {
     const auto encoder = pipeline_.end();
     if (!encoder) return;
     encoder->close();
+    // What was computed of the file while it grew must not be taken for all of it tomorrow.
+    if (lastRecordingURL_) forgetPeaks(*lastRecordingURL_);
     if (lastRecordingURL_) log("stopped → " + lastRecordingURL_->string());
     if (!isRecording_) setStatus("");
 }
@@ -229,6 +266,35 @@ void SVRecorder::finalizeEncoder() {
 void SVRecorder::cancelEncoderAfterAbortedStart() {
     if (const auto encoder = pipeline_.end()) encoder->close();
     pipeline_.clearResampler();
+}
+
+// Midnight
+
+/// The source and the links stay as they are; buffers that come between the two files are metered
+/// and dropped, and the new file makes up for them with silence.
+void SVRecorder::handleMidnightRollover() {
+    log("midnight rollover firing");
+    if (!isRecording_) return;
+    finalizeEncoder();
+    const WallTime now = services_.clock.now();
+    if (const auto rolledOver = rollOver(now); !rolledOver) {
+        log(rolledOver.error());
+        isRecording_ = false;
+        if (auto host = controller_.lock()) host->setRecording(false);
+    }
+    midnightTimer_.arm(now);
+}
+
+Outcome SVRecorder::rollOver(WallTime now) {
+    const auto urls = services_.stationFolder.makeOutputURLs(now, services_.log);
+    const auto formats = pipeline_.resamplerFormats();
+    if (!urls || !formats) return Outcome::failure("rollover failed — pipeline not ready");
+    forgetPeaks(urls->audio);
+    if (!openMP3File(*urls, formats->output, now))
+        return Outcome::failure("rollover failed to open new MP3");
+    setStatus("Rolled over → " + urls->audio.filename().string());
+    log("rolled over → " + urls->audio.string());
+    return Done{};
 }
 
 }  // namespace sonavault

@@ -6,23 +6,23 @@
 #include <optional>
 
 #include "links/AudioLink.h"
+#include "links/MarkerLink.h"
 #include "platform/AudioInput.h"
 #include "platform/Clock.h"
 #include "platform/DiskFlusher.h"
 #include "platform/Executor.h"
 #include "platform/Log.h"
+#include "platform/MainTimer.h"
 #include "platform/Preferences.h"
 #include "recorder/AudioPipeline.h"
+#include "recorder/MarkerIngestion.h"
+#include "recorder/MidnightTimer.h"
 #include "recorder/RecorderHost.h"
 #include "recorder/SVQualityLevel.h"
 #include "recorder/SVRecorderSourceMode.h"
 #include "store/StationFolder.h"
 
 namespace sonavault {
-
-/// The ports on which the automation delivers air and markers.
-inline constexpr std::uint16_t kAudioPort = 9171;
-inline constexpr std::uint16_t kMarkerPort = 9172;
 
 /// The frames of a tap's buffer, about a tenth of a second.
 inline constexpr int kTapBufferFrames = 4096;
@@ -42,13 +42,15 @@ struct RecorderServices {
     DiskFlusher& flusher;
     AudioInput& lineInput;
     std::function<std::unique_ptr<AudioLink>()> makeAudioLink;
+    std::function<std::unique_ptr<MarkerLink>()> makeMarkerLink;
+    std::function<std::unique_ptr<MainTimer>()> makeMainTimer;
 };
 
 /// Records the station's air into the day's file.
 ///
 /// It keeps three promises: a day is one file however often recording stops and starts; a position
 /// in that file stays true to the wall clock; and a recording that was cut by a lost link comes
-/// back by itself.
+/// back by itself. A recording that goes on through the night goes on into the next day's file.
 ///
 /// Thread: main for all calls; buffers come in on the sources' own threads.
 class SVRecorder {
@@ -89,6 +91,13 @@ class SVRecorder {
     /// How long the day's file now is; 0 while none is open. Units: seconds
     double currentRecordingDurationSec() const;
 
+    /// Logs an event of the day that came by another road than the marker link; written as it is,
+    /// never compared with what came before. `clockTime`: "HH:MM:SS"
+    void appendSyntheticMarker(const std::string& clockTime, const std::string& type,
+                               const std::string& label, double durationSec = 0) {
+        markers_.appendSyntheticMarker(clockTime, type, label, durationSec);
+    }
+
     /// Takes one buffer of live audio. Thread: the source's.
     void handleSourceBuffer(const AudioBufferView& buffer) { pipeline_.handleSourceBuffer(buffer); }
 
@@ -96,15 +105,19 @@ class SVRecorder {
     void startRecording();
     bool startFromLineInput(const OutputURLs& urls, WallTime now);
     bool startFromLink(const OutputURLs& urls, WallTime now);
-    void enterRecording();
+    void enterRecording(WallTime now);
     void stopRecording();
     void stopLineInput();
     void tearDownSource();
     void startTCPListener();
+    void startAudioServer();
+    void startMarkerServer();
     void handleTCPHandshake(const AudioFormat& format);
     void handleTCPDisconnect();
     void finalizeEncoder();
     void cancelEncoderAfterAbortedStart();
+    void handleMidnightRollover();
+    Outcome rollOver(WallTime now);
 
     bool openMP3File(const OutputURLs& urls, const AudioFormat& sourceFormat, WallTime now);
     void chooseQuality(const OutputURLs& urls);
@@ -129,6 +142,8 @@ class SVRecorder {
     SVRecorderSourceMode sourceMode_ = SVRecorderSourceMode::lineInput;
     std::optional<std::filesystem::path> lastRecordingURL_;
     int activeBitrateKbps_ = kDefaultBitrateKbps;
+    MarkerIngestion markers_;
+    MidnightTimer midnightTimer_;
 
     // The road of the buffers, shared with the source's thread; then what feeds it, so that it ends
     // first.
@@ -136,6 +151,7 @@ class SVRecorder {
     Lifetime linkLifetime_;
     AudioPipeline pipeline_;
     std::unique_ptr<AudioLink> audioServer_;
+    std::unique_ptr<MarkerLink> markerServer_;
 };
 
 }  // namespace sonavault

@@ -2,6 +2,7 @@
 
 #include <QWidget>
 
+#include "shell/DayListView.h"
 #include "shell/RecordingPanel.h"
 #include "shell/StatusBarView.h"
 
@@ -17,10 +18,14 @@ class KeyResponderView final : public QWidget {
 
     KeyResponderView();
 
+    DayListView& dayList() { return *dayList_; }
+    TextView& emptyState() { return *emptyState_; }
     RecordingPanel& recordingPanel() { return *recordingPanel_; }
     StatusBarView& statusBar() { return *statusBar_; }
 
   private:
+    DayListView* dayList_;
+    TextView* emptyState_;
     RecordingPanel* recordingPanel_;
     StatusBarView* statusBar_;
 };

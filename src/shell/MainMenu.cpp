@@ -7,7 +7,7 @@
 #include <QMenuBar>
 #include <QWidget>
 
-#include "links/SVAudioServer.h"
+#include "links/StationPorts.h"
 
 namespace sonavault {
 namespace {
@@ -64,9 +64,8 @@ void addSourceMenu(QMenu& recording, const MainMenuActions& actions, MainMenu& m
     QMenu& menu = *recording.addMenu(QStringLiteral("Source"));
     made.sourceLineInputItem = addCheckedItem(
         menu, QStringLiteral("Line Input (default audio device)"), actions.setSourceLineInput);
-    made.sourceCadenzoTCPItem =
-        addCheckedItem(menu, QStringLiteral("Cadenzo TCP (port %1)").arg(SVAudioServer::kAudioPort),
-                       actions.setSourceCadenzoTCP);
+    made.sourceCadenzoTCPItem = addCheckedItem(
+        menu, QStringLiteral("Cadenzo TCP (port %1)").arg(kAudioPort), actions.setSourceCadenzoTCP);
     auto* choices = new QActionGroup(&menu);
     // None is marked until it is known which one is chosen.
     choices->setExclusionPolicy(QActionGroup::ExclusionPolicy::ExclusiveOptional);

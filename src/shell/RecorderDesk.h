@@ -17,6 +17,7 @@ class RecorderDesk final : public RecorderHost {
     // Set before the recorder knows the desk.
     std::function<void(const std::string& text)> onStatusText;
     std::function<void(const std::string& message, const std::string& information)> onAlert;
+    std::function<void(float rms, double bucketSec)> onLivePeak;
 
     bool isRecording() const { return isRecording_; }
     float recordingInputDb() const { return recordingInputDb_.load(std::memory_order_relaxed); }
@@ -26,8 +27,7 @@ class RecorderDesk final : public RecorderHost {
         recordingInputDb_.store(db, std::memory_order_relaxed);
     }
     void setStatusBarText(const std::string& text) override { onStatusText(text); }
-    /// Without effect: no waveform is on the screen that could grow.
-    void appendLivePeak(float, double) override {}
+    void appendLivePeak(float rms, double bucketSec) override { onLivePeak(rms, bucketSec); }
     void showAlert(const std::string& message, const std::string& information) override {
         onAlert(message, information);
     }

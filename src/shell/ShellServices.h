@@ -33,6 +33,7 @@ struct ShellServices {
     RecorderServices recorder;
     Preferences& preferences;  ///< the standard domain
     Alerts& alerts;
+    std::filesystem::path cacheFolder;  ///< for what can be made anew
 
     /// Hands a file to the program with which the person's desktop opens it; false when there is
     /// none.

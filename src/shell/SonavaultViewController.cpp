@@ -1,15 +1,22 @@
 #include "shell/SonavaultViewController.h"
 
+#include "store/OrphanRecovery.h"
+
 namespace sonavault {
 
 SonavaultViewController::SonavaultViewController(ShellServices services)
     : services_(std::move(services)),
       rootView_(new KeyResponderView),
-      desk_(std::make_shared<RecorderDesk>()) {
+      desk_(std::make_shared<RecorderDesk>()),
+      review_(services_, *rootView_, [this] { return recorder_.get(); }) {
     desk_->onStatusText = [this](const std::string& text) { setStatusBarText(text); };
     desk_->onAlert = [this](const std::string& message, const std::string& information) {
         showWarning(message, information);
     };
+    desk_->onLivePeak = [this](float rms, double bucketSec) {
+        review_.peaks().appendLivePeak(rms, bucketSec);
+    };
+    review_.days().reloadDailyRecordings();
 }
 
 SonavaultViewController::~SonavaultViewController() {
@@ -22,10 +29,21 @@ SonavaultViewController::~SonavaultViewController() {
 
 void SonavaultViewController::afterWindowReady() {
     showRecordingStatus();
+    review_.renderDateList();
+    putDaysRight();
     makeRecorder();
     recorder_->applySourceMode(sourceMode());
     if (autoResumesOnLaunch(services_.preferences)) autoResumeAtLaunch();
     startDisplayLoop();
+}
+
+/// Before there is a recorder, so that nothing is swept that is being written.
+void SonavaultViewController::putDaysRight() {
+    recoverOrphanedRecordings(services_.recorder.stationFolder, services_.recorder.clock,
+                              services_.recorder.log);
+    review_.days().reloadDailyRecordings();
+    review_.renderDateList();
+    review_.day().loadStartupRecording();
 }
 
 void SonavaultViewController::makeRecorder() {
@@ -53,6 +71,7 @@ void SonavaultViewController::startDisplayLoop() {
 void SonavaultViewController::tickDisplay() {
     tryOwedRecording();
     showRecordingStatus();
+    review_.days().liveRefreshTodayRowIfDue(now());
 }
 
 void SonavaultViewController::tryOwedRecording() {

@@ -11,6 +11,7 @@
 #include "shell/OwedRecording.h"
 #include "shell/RecorderDesk.h"
 #include "shell/RecordingStatus.h"
+#include "shell/ReviewDesk.h"
 #include "shell/ShellServices.h"
 
 namespace sonavault {
@@ -33,7 +34,8 @@ class SonavaultViewController {
     /// The window's content. Owns: this object, also while a window shows it.
     KeyResponderView& rootView() { return *rootView_; }
 
-    /// Called once when the window is on the screen: makes the recorder, gives it the chosen
+    /// Called once when the window is on the screen: puts right what a crash has left in the
+    /// recordings folder, lists the days and loads one, makes the recorder, gives it the chosen
     /// source, begins recording if that is wanted at launch, and starts the tick.
     void afterWindowReady();
 
@@ -67,10 +69,14 @@ class SonavaultViewController {
 
     RecordingStatus recordingStatus() const;
 
+    /// The days and the one under review.
+    ReviewDesk& review() { return review_; }
+
   private:
     static constexpr int kTickMilliseconds = 50;
 
     void startDisplayLoop();
+    void putDaysRight();
     void makeRecorder();
     void autoResumeAtLaunch();
     void tryOwedRecording();
@@ -83,6 +89,7 @@ class SonavaultViewController {
     ShellServices services_;
     QPointer<KeyResponderView> rootView_;
     std::shared_ptr<RecorderDesk> desk_;
+    ReviewDesk review_;
     OwedRecording owedRecording_;
     std::unique_ptr<SVRecorder> recorder_;
     std::unique_ptr<QTimer> displayTimer_;

@@ -4,6 +4,7 @@
 #include <QUrl>
 
 #include "links/SVAudioServer.h"
+#include "links/SVMarkerServer.h"
 
 namespace sonavault {
 namespace {
@@ -33,9 +34,12 @@ ShellServices StationServices::services() {
                      .stationFolder = stationFolder_,
                      .flusher = flusher_,
                      .lineInput = lineInput_,
-                     .makeAudioLink = [this] { return std::make_unique<SVAudioServer>(log_); }},
+                     .makeAudioLink = [this] { return std::make_unique<SVAudioServer>(log_); },
+                     .makeMarkerLink = [this] { return std::make_unique<SVMarkerServer>(log_); },
+                     .makeMainTimer = [] { return std::make_unique<QtMainTimer>(); }},
         .preferences = preferences_,
         .alerts = alerts_,
+        .cacheFolder = cacheFolder(),
         .openFile = openOnDesktop,
     };
 }

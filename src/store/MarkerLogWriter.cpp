@@ -1,6 +1,6 @@
 #include "store/MarkerLogWriter.h"
 
-#include "platform/AppendFile.h"
+#include "platform/AppendWhole.h"
 #include "platform/AtomicFile.h"
 #include "platform/FileQueries.h"
 #include "platform/Format.h"
@@ -28,22 +28,16 @@ std::string markerRow(const std::string& clockTime, const std::string& type,
 }
 
 void writeCSVHeaderIfNeeded(const std::filesystem::path& log, DiskFlusher& flusher) {
-    if (pathExists(log)) return;
+    // A power cut can leave a name without its content.
+    if (pathExists(log) && fileSize(log) != 0) return;
     if (writeFileAtomically(log, kMarkerLogHeader)) flusher.flushSoon(log);
 }
 
 Outcome appendMarkerRow(const std::filesystem::path& log, const std::string& row,
                         DiskFlusher& flusher) {
-    std::error_code error;
-    const auto sizeBefore = std::filesystem::file_size(log, error);
-    if (error) return Outcome::failure(error.message());
-    auto file = AppendFile::open(log, flusher);
-    if (!file) return Outcome::failure(file.error());
-    const auto* bytes = reinterpret_cast<const std::uint8_t*>(row.data());
-    if (file.value()->write({bytes, row.size()})) return Done{};
-    // The log grows by whole lines: half a row would take the next one with it.
-    std::filesystem::resize_file(log, sizeBefore, error);
-    return Outcome::failure("the row could not be written whole");
+    auto appended = appendWholeLine(log, row);
+    if (appended) flusher.flushSoon(log);
+    return appended;
 }
 
 }  // namespace sonavault

@@ -2,9 +2,9 @@
 
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <cmath>
 
 #include "platform/FileQueries.h"
+#include "platform/JsonFields.h"
 #include "platform/LocalTime.h"
 #include "platform/ReadFile.h"
 #include "store/StationFolder.h"
@@ -32,58 +32,6 @@ void put(QJsonObject& object, const char* key, const std::optional<std::int64_t>
     if (number) object.insert(QLatin1String(key), static_cast<qint64>(*number));
 }
 
-/// Takes typed values out of an object and remembers the first key that is of a wrong type.
-class FieldReader {
-  public:
-    explicit FieldReader(QJsonObject object) : object_(std::move(object)) {}
-
-    std::optional<std::string> text(const char* key) {
-        const auto value = find(key);
-        if (!value) return std::nullopt;
-        if (value->isString()) return value->toString().toStdString();
-        return refuse(key, "a text"), std::nullopt;
-    }
-
-    std::optional<double> number(const char* key) {
-        const auto value = find(key);
-        if (!value) return std::nullopt;
-        if (value->isDouble()) return value->toDouble();
-        return refuse(key, "a number"), std::nullopt;
-    }
-
-    std::optional<std::int64_t> integer(const char* key) {
-        const auto value = find(key);
-        if (!value) return std::nullopt;
-        constexpr double kLargestExact = 9007199254740992.0;  // 2^53
-        if (value->isDouble()) {
-            const double number = value->toDouble();
-            if (number == std::trunc(number) && std::abs(number) <= kLargestExact)
-                return static_cast<std::int64_t>(number);
-        }
-        return refuse(key, "an integer"), std::nullopt;
-    }
-
-    void require(const char* key) {
-        if (!find(key) && error_.empty()) error_ = std::string("key ") + key + " is missing";
-    }
-
-    const std::string& error() const { return error_; }
-
-  private:
-    std::optional<QJsonValue> find(const char* key) const {
-        const auto found = object_.constFind(QLatin1String(key));
-        if (found == object_.constEnd() || found->isNull()) return std::nullopt;
-        return *found;
-    }
-
-    void refuse(const char* key, const char* wanted) {
-        if (error_.empty()) error_ = std::string("key ") + key + " is not " + wanted;
-    }
-
-    QJsonObject object_;
-    std::string error_;
-};
-
 Result<RecordingManifest> readAndDecode(const std::filesystem::path& file) {
     const auto bytes = readWholeFile(file);
     if (!bytes) return Result<RecordingManifest>::failure(bytes.error());
@@ -109,14 +57,10 @@ std::string encodeManifest(const RecordingManifest& manifest) {
 
 Result<RecordingManifest> decodeManifest(std::string_view json) {
     using Decoded = Result<RecordingManifest>;
-    QJsonParseError parsing;
-    const auto document = QJsonDocument::fromJson(
-        QByteArray(json.data(), static_cast<qsizetype>(json.size())), &parsing);
-    if (parsing.error != QJsonParseError::NoError)
-        return Decoded::failure(parsing.errorString().toStdString());
-    if (!document.isObject()) return Decoded::failure("not a JSON object");
+    auto parsed = JsonFields::parse(json);
+    if (!parsed) return Decoded::failure(parsed.error());
 
-    FieldReader fields(document.object());
+    JsonFields& fields = parsed.value();
     fields.require(kVersion);
     fields.require(kStartOffset);
     RecordingManifest manifest;

@@ -28,9 +28,9 @@ TEST_F(ChangeOfSource, closes_the_day_and_does_not_begin_again_on_a_source_that_
 
 TEST_F(ChangeOfSource, leaves_nothing_of_the_link) {
     recordFromLink();
-    EXPECT_TRUE(linkListens_);
+    EXPECT_TRUE(linkLife_.listens());
     useLineInput();
-    EXPECT_FALSE(linkListens_);
+    EXPECT_FALSE(linkLife_.listens());
     EXPECT_FALSE(recorder_->isCadenzoConnected());
     EXPECT_EQ(host_->inputDb, -160.0F);
 }
@@ -54,7 +54,7 @@ TEST_F(ChangeOfSource, from_the_line_input_stops_its_capture) {
     EXPECT_FALSE(input_.isRunning());
     EXPECT_FALSE(input_.hasTap());
     EXPECT_EQ(host_->inputDb, -160.0F);
-    EXPECT_TRUE(linkListens_);
+    EXPECT_TRUE(linkLife_.listens());
 }
 
 TEST_F(ChangeOfSource, is_what_a_buffer_in_another_format_is_not) {

@@ -11,6 +11,7 @@
 #include "store/RecordingManifest.h"
 #include "support/ManualClock.h"
 #include "support/ManualQueue.h"
+#include "support/ManualTimers.h"
 #include "support/RecordedLog.h"
 #include "support/ScopedTimeZone.h"
 #include "support/TempFolder.h"
@@ -51,16 +52,26 @@ class FakeLineInput final : public AudioInput {
     bool running_ = false;
 };
 
-/// An audio link whose client is the test. `running` outlives it and tells whether it listens.
-class FakeAudioLink final : public AudioLink {
+/// How often a link was started and stopped; outlives the link.
+struct LinkLife {
+    int starts = 0;
+    int stops = 0;
+    bool listens() const { return starts > stops; }
+};
+
+/// A link whose client is the test.
+template <class Link>
+class FakeLink final : public Link {
   public:
-    explicit FakeAudioLink(bool& running) : running_(running) {}
-    void start() override { running_ = true; }
-    void stop() override { running_ = false; }
+    explicit FakeLink(LinkLife& life) : life_(life) {}
+    void start() override { ++life_.starts; }
+    void stop() override { ++life_.stops; }
 
   private:
-    bool& running_;
+    LinkLife& life_;
 };
+using FakeAudioLink = FakeLink<AudioLink>;
+using FakeMarkerLink = FakeLink<MarkerLink>;
 
 /// The program around the recorder, remembering what it was told.
 class RecordedHost final : public RecorderHost {
@@ -103,6 +114,7 @@ class RecorderFixture : public ::testing::Test {
     void makeRecorder() {
         recorder_.reset();
         link_ = nullptr;
+        markerLink_ = nullptr;
         recorder_ = std::make_unique<SVRecorder>(RecorderServices{
             .clock = clock_,
             .log = log_,
@@ -113,10 +125,17 @@ class RecorderFixture : public ::testing::Test {
             .lineInput = input_,
             .makeAudioLink =
                 [this] {
-                    auto link = std::make_unique<FakeAudioLink>(linkListens_);
+                    auto link = std::make_unique<FakeAudioLink>(linkLife_);
                     link_ = link.get();
                     return link;
                 },
+            .makeMarkerLink =
+                [this] {
+                    auto link = std::make_unique<FakeMarkerLink>(markerLinkLife_);
+                    markerLink_ = link.get();
+                    return link;
+                },
+            .makeMainTimer = [this] { return timers_.make(); },
         });
         recorder_->setController(host_);
     }
@@ -141,6 +160,12 @@ class RecorderFixture : public ::testing::Test {
     }
     void dropLink() {
         link_->onDisconnect();
+        mainQueue_.runAll();
+    }
+
+    /// What the automation tells, heard at once.
+    void tell(const MarkerWire& marker) {
+        markerLink_->onMarker(marker);
         mainQueue_.runAll();
     }
 
@@ -170,7 +195,7 @@ class RecorderFixture : public ::testing::Test {
                                 ? linkFormat_.sampleRate
                                 : input_.format.sampleRate;
         for (double done = 0; done < seconds - 1e-9; done += static_cast<double>(kBuffer) / rate) {
-            clock_.advance(static_cast<double>(kBuffer) / rate);
+            timers_.pass(static_cast<double>(kBuffer) / rate);
             send(kBuffer);
         }
     }
@@ -182,6 +207,7 @@ class RecorderFixture : public ::testing::Test {
     TempFolder temp_;
     const ScopedTimeZone zone_{"Europe/Berlin"};
     ManualClock clock_{at("2026-03-02T13:05:09.123Z")};
+    ManualTimers timers_{clock_};
     RecordedLog log_;
     ManualQueue mainQueue_;
     Preferences preferences_{temp_ / "standard.conf"};
@@ -190,7 +216,9 @@ class RecorderFixture : public ::testing::Test {
     FakeLineInput input_;
     std::shared_ptr<RecordedHost> host_ = std::make_shared<RecordedHost>();
     FakeAudioLink* link_ = nullptr;
-    bool linkListens_ = false;
+    LinkLife linkLife_;
+    LinkLife markerLinkLife_;
+    FakeMarkerLink* markerLink_ = nullptr;
     AudioFormat linkFormat_{22050, 1, true};
     std::unique_ptr<SVRecorder> recorder_;
 };

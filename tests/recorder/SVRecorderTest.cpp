@@ -123,7 +123,7 @@ TEST_F(Recorder, stops_first_when_the_source_changes_and_does_not_begin_again) {
     EXPECT_FALSE(host_->isRecording);
     EXPECT_FALSE(input_.isRunning());
     EXPECT_EQ(host_->status(), "Listening for Cadenzo (audio :9171, markers :9172)…");
-    EXPECT_TRUE(linkListens_);
+    EXPECT_TRUE(linkLife_.listens());
     EXPECT_TRUE(log_.has("Sonavault recorder: stopped → " + dayFile("mp3").string()));
 }
 

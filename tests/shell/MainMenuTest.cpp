@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "links/StationPorts.h"
 #include "recorder/SVRecorder.h"
 
 namespace sonavault {

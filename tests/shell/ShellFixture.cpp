@@ -32,9 +32,12 @@ ShellServices ShellFixture::services() {
                              auto link = std::make_unique<ScriptedAudioLink>();
                              link_ = link.get();
                              return link;
-                         }},
+                         },
+                     .makeMarkerLink = [] { return std::make_unique<SilentMarkerLink>(); },
+                     .makeMainTimer = [this] { return timers_.make(); }},
         .preferences = preferences_,
         .alerts = alerts_,
+        .cacheFolder = temp_ / "cache",
         .openFile =
             [this](const std::filesystem::path& file) {
                 opened_.push_back(file);
@@ -50,7 +53,7 @@ void ShellFixture::launch() {
 
 void ShellFixture::passSeconds(double seconds) {
     for (double passed = 0; passed < seconds - 1e-9; passed += 0.05) {
-        clock_.advance(0.05);
+        timers_.pass(0.05);
         tickOnce();
     }
 }
@@ -59,7 +62,7 @@ void ShellFixture::playSeconds(double seconds, float amplitude) {
     constexpr FrameCount kBuffer = 4800;
     const double bufferSeconds = static_cast<double>(kBuffer) / input_.outputFormat().sampleRate;
     for (double played = 0; played < seconds - 1e-9; played += bufferSeconds) {
-        clock_.advance(bufferSeconds);
+        timers_.pass(bufferSeconds);
         input_.deliver(kBuffer, amplitude);
     }
 }

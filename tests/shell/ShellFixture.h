@@ -12,6 +12,7 @@
 #include "support/ExpectedQtWarnings.h"
 #include "support/ManualClock.h"
 #include "support/ManualQueue.h"
+#include "support/ManualTimers.h"
 #include "support/RecordedLog.h"
 #include "support/ScopedTimeZone.h"
 #include "support/TempFolder.h"
@@ -58,6 +59,13 @@ class SwitchedLineInput final : public AudioInput {
 
 /// A link whose sender is the test.
 class ScriptedAudioLink final : public AudioLink {
+  public:
+    void start() override {}
+    void stop() override {}
+};
+
+/// A marker link on which nobody speaks.
+class SilentMarkerLink final : public MarkerLink {
   public:
     void start() override {}
     void stop() override {}
@@ -115,6 +123,7 @@ class ShellFixture : public ::testing::Test {
     TempFolder temp_;
     const ScopedTimeZone zone_{"Europe/Berlin"};
     ManualClock clock_{at("2026-03-02T13:05:09.123Z")};
+    ManualTimers timers_{clock_};
     RecordedLog log_;
     ManualQueue mainQueue_;
     Preferences preferences_{temp_ / "standard.conf"};

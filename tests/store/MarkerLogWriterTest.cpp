@@ -76,6 +76,13 @@ TEST_F(MarkerLogOnDisk, gives_half_a_row_back_when_the_disk_is_full) {
     EXPECT_EQ(readFile(log_), kMarkerLogHeader + row);
 }
 
+TEST_F(MarkerLogOnDisk, begins_a_new_line_behind_a_row_that_a_kill_cut_off) {
+    writeFile(log_, std::string(kMarkerLogHeader) + "08:00:00,hour,eight o'cl");
+    ASSERT_TRUE(appendMarkerRow(log_, markerRow("09:00:00", "hour", "", 0), flusher_));
+    EXPECT_EQ(readFile(log_),
+              std::string(kMarkerLogHeader) + "08:00:00,hour,eight o'cl\n09:00:00,hour,,0\n");
+}
+
 TEST_F(MarkerLogOnDisk, that_could_not_be_begun_fails_at_the_append) {
     const auto nowhere = folder_ / "missing" / "log.csv";
     writeCSVHeaderIfNeeded(nowhere, flusher_);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -9,12 +10,20 @@
 namespace sonavault::testing {
 
 /// A log that the test reads.
+///
+/// Thread: any; `onLine` is set before anybody logs.
 class RecordedLog final : public Log {
   public:
     void line(std::string_view text) override {
-        std::scoped_lock lock(mutex_);
-        lines_.emplace_back(text);
+        {
+            std::scoped_lock lock(mutex_);
+            lines_.emplace_back(text);
+        }
+        if (onLine) onLine(std::string(text));
     }
+
+    /// Called with each line, by whoever wrote it, for tests that act in the midst of something.
+    std::function<void(const std::string&)> onLine;
 
     std::vector<std::string> lines() const {
         std::scoped_lock lock(mutex_);

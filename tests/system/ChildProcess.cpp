@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/prctl.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -40,7 +41,11 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
 ChildProcess::ChildProcess(const std::vector<std::string>& command,
                            const std::map<std::string, std::string>& environment, Output output) {
     int pipeEnds[2];
-    if (pipe2(pipeEnds, O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
+    // A socket, so that typing to a program that has ended raises no signal.
+    int inputEnds[2];
+    if (pipe2(pipeEnds, O_CLOEXEC) != 0 ||
+        socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, inputEnds) != 0)
+        throw std::runtime_error("no pipe");
     auto arguments = command;
     auto variables = environmentLines(environment);
     auto argv = pointers(arguments);
@@ -50,11 +55,14 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command,
     if (pid_ == 0) {
         prctl(PR_SET_PDEATHSIG, SIGKILL);
         std::signal(SIGPIPE, SIG_DFL);
+        dup2(inputEnds[1], STDIN_FILENO);
         dup2(pipeEnds[1], STDOUT_FILENO);
         execvpe(argv[0], argv.data(), envp.data());
         _exit(127);
     }
     close(pipeEnds[1]);
+    close(inputEnds[1]);
+    input_ = inputEnds[0];
     output_ = pipeEnds[0];
     if (output == Output::read) reader_ = std::thread([this] { readLines(); });
     if (output == Output::closed) {
@@ -71,6 +79,7 @@ ChildProcess::~ChildProcess() {
     }
     if (reader_.joinable()) reader_.join();
     if (output_ >= 0) close(output_);
+    close(input_);
 }
 
 void ChildProcess::readLines() {
@@ -97,6 +106,15 @@ bool ChildProcess::isAlive() {
 
 void ChildProcess::signal(int number) const {
     if (pid_ > 0 && !ended_) kill(pid_, number);
+}
+
+void ChildProcess::type(const std::string& line) const {
+    const std::string bytes = line + '\n';
+    for (std::size_t sent = 0; sent < bytes.size();) {
+        const auto count = send(input_, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
+        if (count <= 0) throw std::runtime_error("nobody reads what is typed");
+        sent += static_cast<std::size_t>(count);
+    }
 }
 
 std::optional<int> ChildProcess::waitForEnd(std::chrono::milliseconds patience) {

@@ -19,7 +19,8 @@ struct HeardLine {
     std::chrono::system_clock::time_point at;
 };
 
-/// A program started by the test, whose standard output is read line by line. Killed when it goes.
+/// A program started by the test, whose standard output is read line by line, and which may be
+/// typed to. Killed when it goes.
 class ChildProcess {
   public:
     enum class Output {
@@ -38,6 +39,9 @@ class ChildProcess {
     pid_t pid() const { return pid_; }
     bool isAlive();
     void signal(int number) const;
+
+    /// Sends `line` to its standard input.
+    void type(const std::string& line) const;
 
     /// Waits for the end; gives the wait status, or nothing when it did not come in time.
     std::optional<int> waitForEnd(std::chrono::milliseconds patience);
@@ -60,6 +64,7 @@ class ChildProcess {
     void readLines();
 
     pid_t pid_ = -1;
+    int input_ = -1;
     int output_ = -1;
     bool ended_ = false;
     int status_ = 0;

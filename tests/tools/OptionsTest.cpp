@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/TempFolder.h"
+
 namespace sonavault::automation {
 namespace {
 
@@ -20,6 +22,34 @@ TEST(Options, are_a_stereo_programme_to_this_machine_without_any) {
     EXPECT_EQ(options.value().signal.kind, SignalKind::programme);
     EXPECT_FALSE(options.value().durationSec);
     EXPECT_FALSE(options.value().once);
+    EXPECT_EQ(options.value().markers.port, 9172);
+    EXPECT_EQ(options.value().markers.source, MarkerSource::off);
+    EXPECT_FALSE(options.value().markers.bigEndian);
+}
+
+TEST(Options, take_the_markers_of_the_programme_to_the_same_place) {
+    const auto options = parsed({"--host", "studio", "--seed", "9", "--markers", "demo",
+                                 "--marker-port", "99", "--marker-byte-order", "big"});
+    ASSERT_TRUE(options) << options.error();
+    const MarkerOptions& markers = options.value().markers;
+    EXPECT_EQ(markers.source, MarkerSource::demo);
+    EXPECT_EQ(markers.host, "studio");
+    EXPECT_EQ(markers.port, 99);
+    EXPECT_EQ(markers.seed, 9U);
+    EXPECT_TRUE(markers.bigEndian);
+}
+
+TEST(Options, take_markers_from_a_file) {
+    const sonavault::testing::TempFolder folder;
+    const auto file = QString::fromStdString((folder / "plan").string());
+    sonavault::testing::writeFile(folder / "plan", "1.5 marker hour\n");
+    const auto options = parsed({"--markers", file});
+    ASSERT_TRUE(options) << options.error();
+    EXPECT_EQ(options.value().markers.source, MarkerSource::script);
+    ASSERT_EQ(options.value().markers.script.size(), 1U);
+    EXPECT_EQ(options.value().markers.script[0].second, 1.5);
+    sonavault::testing::writeFile(folder / "plan", "soon marker hour\n");
+    EXPECT_FALSE(parsed({"--markers", file}));
 }
 
 TEST(Options, take_every_setting) {
@@ -61,6 +91,9 @@ TEST(Options, refuse_what_the_link_does_not_carry) {
                                      {"--port", "70000"},
                                      {"--drop-at", "5"},
                                      {"--stall-at", "x:1"},
+                                     {"--marker-port", "0"},
+                                     {"--marker-byte-order", "middle"},
+                                     {"--markers", "/nowhere/plan"},
                                      {"--duration", "-1"},
                                      {"--nonsense"},
                                      {"stray"}}) {
@@ -77,7 +110,8 @@ TEST(Options, know_when_help_is_wanted_and_name_every_option_in_it) {
     const std::string help = helpText();
     for (const char* option :
          {"--host", "--port", "--rate", "--channels", "--byte-order", "--once", "--signal",
-          "--frequency", "--level", "--seed", "--duration", "--drop-at", "--stall-at"})
+          "--frequency", "--level", "--seed", "--duration", "--drop-at", "--stall-at", "--markers",
+          "--marker-port", "--marker-byte-order"})
         EXPECT_NE(help.find(option), std::string::npos) << option;
 }
 

@@ -1,6 +1,7 @@
 #include "automation/Options.h"
 
 #include <QCommandLineParser>
+#include <QFile>
 
 namespace sonavault::automation {
 
@@ -13,15 +14,15 @@ void describeConnection(QCommandLineParser& parser) {
     parser.addOption({"channels", "1 to 8, all alike (2).", "number", "2"});
     parser.addOption({"byte-order", "little or big (little).", "order", "little"});
     parser.addOption({"once",
-                      "End when the connection is lost or refused, instead of trying "
+                      "End when the audio connection is lost or refused, instead of trying "
                       "again every half second."});
 }
 
 void describeSound(QCommandLineParser& parser) {
     parser.addOption(
         {"signal",
-         "programme: talk and music in turn; tone; silence; noise; tone-bursts: 100 ms "
-         "of tone at each whole second of the wall clock (programme).",
+         "programme: talk, songs, breaks, voicetracks and alerts by the clock; tone; silence; "
+         "noise; tone-bursts: 100 ms of tone at each whole second of the wall clock (programme).",
          "kind", "programme"});
     parser.addOption({"frequency", "Of the tones (1000).", "hertz", "1000"});
     parser.addOption({"level",
@@ -29,6 +30,16 @@ void describeSound(QCommandLineParser& parser) {
                       "keeps it on average only.",
                       "dBFS", "-20"});
     parser.addOption({"seed", "Another number, another programme (1).", "number", "1"});
+}
+
+void describeMarkers(QCommandLineParser& parser) {
+    parser.addOption({"marker-port", "The recorder's marker port (9172).", "number", "9172"});
+    parser.addOption({"markers",
+                      "off: only those that are typed; demo: those of the programme; else a file "
+                      "with a line for each, its second and what would be typed: \"12.5 marker "
+                      "mic_start Nora\" (off).",
+                      "off, demo or file", "off"});
+    parser.addOption({"marker-byte-order", "little or big (little).", "order", "little"});
 }
 
 void describeTime(QCommandLineParser& parser) {
@@ -45,11 +56,18 @@ void describeTime(QCommandLineParser& parser) {
 
 void describe(QCommandLineParser& parser) {
     parser.setApplicationDescription(
-        "Sends a station's air to the recorder, as a playout automation does.\n"
-        "While it runs it obeys these lines on standard input: drop, stall SECONDS, resume, quit.");
+        "Sends a station's air and its markers to the recorder, as a playout automation does.\n"
+        "While it runs it obeys these lines on standard input:\n"
+        "  drop, stall SECONDS, resume          the audio link\n"
+        "  marker TYPE [duration=S] [clock=HH:MM:SS] [file=NAME] [test] [LABEL...]\n"
+        "  marker-text TEXT                     a message of any text\n"
+        "  marker-raw HEX                       any bytes, with no length before them\n"
+        "  marker-drop                          the marker link, for half a second\n"
+        "  quit");
     parser.addOption({{"h", "help"}, "Show this help."});
     describeConnection(parser);
     describeSound(parser);
+    describeMarkers(parser);
     describeTime(parser);
 }
 
@@ -96,6 +114,24 @@ class Reader {
         }
     }
 
+    /// Where the markers come from, read into `markers`.
+    void markerSource(const QString& option, MarkerOptions& markers) {
+        const QString source = parser_.value(option);
+        if (source == "off") return;
+        if (source == "demo") {
+            markers.source = MarkerSource::demo;
+            return;
+        }
+        markers.source = MarkerSource::script;
+        QFile file(source);
+        if (!file.open(QIODevice::ReadOnly)) return blame(option, source);
+        auto script = parseMarkerScript(file.readAll().toStdString());
+        if (script)
+            markers.script = std::move(script.value());
+        else
+            blame(option, QString::fromStdString(script.error()));
+    }
+
   private:
     void blame(const QString& option, const QString& value) {
         if (fault_.empty())
@@ -106,6 +142,16 @@ class Reader {
     const QCommandLineParser& parser_;
     std::string fault_;
 };
+
+MarkerOptions readMarkers(Reader& read, const Options& options) {
+    MarkerOptions markers;
+    markers.host = options.host;
+    markers.seed = options.signal.seed;
+    markers.port = static_cast<std::uint16_t>(read.wholeNumber("marker-port", 1, 65535));
+    markers.bigEndian = read.isBig("marker-byte-order");
+    read.markerSource("markers", markers);
+    return markers;
+}
 
 }  // namespace
 
@@ -132,6 +178,7 @@ Result<Options> parseOptions(const QStringList& arguments) {
     read.interruptions("drop-at", AirState::dropped, options.plan);
     read.interruptions("stall-at", AirState::stalled, options.plan);
     options.once = parser.isSet("once");
+    options.markers = readMarkers(read, options);
     if (!read.fault().empty()) return Result<Options>::failure(read.fault());
     return options;
 }

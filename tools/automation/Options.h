@@ -6,6 +6,7 @@
 
 #include "automation/AirPlan.h"
 #include "automation/AirWire.h"
+#include "automation/MarkerSender.h"
 #include "automation/Signal.h"
 #include "platform/Result.h"
 
@@ -19,8 +20,9 @@ struct Options {
     SignalSettings signal;
     AirPlan plan;
     std::optional<double> durationSec;  ///< absent: until it is told to end
-    bool once = false;                  ///< a lost connection ends the program
-    bool wantsHelp = false;             ///< nothing else matters then
+    bool once = false;                  ///< a lost audio connection ends the program
+    MarkerOptions markers;
+    bool wantsHelp = false;  ///< nothing else matters then
 };
 
 /// `arguments` with the program's name first. Errors: what is wrong with them, in words.

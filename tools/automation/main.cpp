@@ -5,6 +5,7 @@
 
 #include "automation/AirSender.h"
 #include "automation/CommandReader.h"
+#include "automation/MarkerSender.h"
 
 namespace {
 
@@ -24,24 +25,38 @@ void say(const std::string& line) {
     std::cout << "automation: " << line << std::endl;
 }
 
-void listen(AirSender& sender, CommandReader& commands) {
-    if (endAsked) return sender.obey({Command::Kind::quit});
-    for (const std::string& line : commands.take()) {
-        if (const auto command = parseCommand(line))
-            sender.obey(*command);
-        else
-            say("not understood: " + line);
-    }
+/// The two links of a station.
+struct Links {
+    AirSender air;
+    MarkerSender markers;
+};
+
+void obey(const std::string& line, Links& links) {
+    if (const auto command = parseCommand(line))
+        links.air.obey(*command);
+    else if (const auto order = parseMarkerOrder(line))
+        links.markers.obey(*order);
+    else
+        say("not understood: " + line);
+}
+
+void listen(Links& links, CommandReader& commands) {
+    if (endAsked) return links.air.obey({Command::Kind::quit});
+    for (const std::string& line : commands.take()) obey(line, links);
 }
 
 int run(const Options& options) {
     const SystemClock clock;
     CommandReader commands;
-    AirSender sender(options, clock, say);
+    Links links{{options, clock, say}, {options.markers, clock, say}};
     QTimer listening;
-    QObject::connect(&listening, &QTimer::timeout, [&] { listen(sender, commands); });
+    QObject::connect(&listening, &QTimer::timeout, [&] { listen(links, commands); });
     listening.start(kListenMs);
-    sender.start([](int exitCode) { QCoreApplication::exit(exitCode); });
+    links.markers.start();
+    links.air.start([&links](int exitCode) {
+        links.markers.end();
+        QCoreApplication::exit(exitCode);
+    });
     return QCoreApplication::exec();
 }
 

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <stop_token>
+#include <string>
+#include <thread>
+
+namespace sonavault {
+
+/// What a debugger shows for the calling thread. Range: up to 15 characters are shown.
+void nameThisThread(const std::string& name);
+
+/// Lets every other thread of the program, and the desk's other programs, go first.
+void yieldToOthersOnThisThread();
+
+/// A long piece of work on a thread of its own, which yields to all others.
+///
+/// Owns: the thread. Destruction asks the work to stop and waits for its end, but no longer than a
+/// second: one that hangs in a frozen disk is left behind. So the work may touch only what it
+/// shares in owning.
+///
+/// Thread: one at a time, not the work's own.
+class BackgroundJob {
+  public:
+    using Work = std::function<void(const std::stop_token&)>;
+
+    BackgroundJob(const std::string& name, Work work);
+    ~BackgroundJob();
+    BackgroundJob(const BackgroundJob&) = delete;
+    BackgroundJob& operator=(const BackgroundJob&) = delete;
+
+    /// The work has been done or given up.
+    bool hasEnded() const;
+
+  private:
+    struct Ending;
+
+    std::stop_source stop_;
+    std::shared_ptr<Ending> ending_;
+    std::thread thread_;
+};
+
+}  // namespace sonavault

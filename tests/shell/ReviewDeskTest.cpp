@@ -1,0 +1,148 @@
+// The list of days and the day under review, in the program.
+
+#include <QApplication>
+#include <QtTest/QTest>
+
+#include "shell/ShellFixture.h"
+#include "store/MarkerLogWriter.h"
+#include "support/SyntheticMp3.h"
+
+namespace sonavault::testing {
+namespace {
+
+class ReviewDeskTest : public ShellFixture {
+  protected:
+    std::filesystem::path fileOf(const std::string& date, const std::string& suffix) const {
+        return temp_ / "home/Calderwave/Station/Logs/Audio" / ("Sonavault_" + date + "." + suffix);
+    }
+
+    /// A day of two hours with two markers.
+    void haveDay(const std::string& date) {
+        writeFile(fileOf(date, "mp3"), SyntheticMp3().frames(200'000).bytes());
+        writeFile(fileOf(date, "csv"), kMarkerLogHeader + markerRow("08:00:00", "hour", "", 0) +
+                                           markerRow("08:10:00", "break_start", "Spots", 120));
+    }
+
+    DayListView& list() { return controller().rootView().dayList(); }
+    std::vector<std::string> rows() {
+        std::vector<std::string> texts;
+        for (int i = 0; i < list().count(); ++i)
+            texts.push_back(list().item(i)->text().toStdString());
+        return texts;
+    }
+    void click(int row) {
+        QTest::mouseClick(list().viewport(), Qt::LeftButton, {},
+                          list().visualItemRect(list().item(row)).center());
+    }
+
+    LoadedDay& day() { return controller().review().day(); }
+};
+
+TEST_F(ReviewDeskTest, lists_the_days_and_loads_the_newest_at_launch) {
+    haveDay("2026-02-28");
+    haveDay("2026-03-01");
+    launch();
+    EXPECT_EQ(rows(), (std::vector<std::string>{"Sun  2026-03-01   02:00   2 markers",
+                                                "Sat  2026-02-28   02:00   2 markers"}));
+    EXPECT_EQ(day().loadedFileURL(), fileOf("2026-03-01", "mp3"));
+    EXPECT_TRUE(list().item(0)->isSelected());
+    EXPECT_FALSE(controller().rootView().emptyState().isVisibleTo(&controller().rootView()));
+}
+
+TEST_F(ReviewDeskTest, sweeps_what_a_crash_left_before_the_days_are_listed) {
+    writeFile(fileOf("2026-03-01", "mp3"), "");
+    haveDay("2026-02-28");
+    launch();
+    EXPECT_TRUE(log_.has("Sonavault recovery: swept 0-byte stub Sonavault_2026-03-01.mp3"));
+    EXPECT_EQ(rows().size(), 1U);
+}
+
+TEST_F(ReviewDeskTest, loads_the_day_that_is_clicked) {
+    haveDay("2026-02-28");
+    haveDay("2026-03-01");
+    launch();
+    click(1);
+    EXPECT_EQ(day().loadedFileURL(), fileOf("2026-02-28", "mp3"));
+    EXPECT_TRUE(list().item(1)->isSelected());
+    EXPECT_FALSE(list().item(0)->isSelected());
+}
+
+TEST_F(ReviewDeskTest, alerts_when_the_clicked_day_cannot_be_opened) {
+    haveDay("2026-02-28");
+    haveDay("2026-03-01");
+    launch();
+    writeFile(fileOf("2026-02-28", "mp3"), "no audio");
+    click(1);
+    ASSERT_EQ(alerts_.shown.size(), 1U);
+    EXPECT_EQ(alerts_.shown[0].message, "Couldn't load recording");
+    EXPECT_EQ(alerts_.shown[0].buttons, QStringList{"OK"});
+    EXPECT_FALSE(day().loadedFileURL());
+}
+
+TEST_F(ReviewDeskTest, meets_today_within_seconds_of_its_first_recording) {
+    haveDay("2026-03-01");
+    launch();
+    controller().toggleRecordingFromMenu();
+    playSeconds(3, 0.5F);
+    passSeconds(2.2);
+    ASSERT_EQ(rows().size(), 2U);
+    EXPECT_EQ(day().loadedFileURL(), dayFile());
+    EXPECT_TRUE(list().item(0)->isSelected());
+}
+
+TEST_F(ReviewDeskTest, keeps_todays_row_fresh_while_it_is_recorded) {
+    launch();
+    controller().toggleRecordingFromMenu();
+    playSeconds(62, 0.5F);
+    passSeconds(2.2);
+    EXPECT_EQ(rows(), std::vector<std::string>{"Mon  2026-03-02   00:01   0 markers"});
+    ASSERT_TRUE(appendMarkerRow(fileOf("2026-03-02", "csv"),
+                                markerRow("14:05:00", "break_start", "", 30), flusher_));
+    passSeconds(2.2);
+    EXPECT_EQ(rows(), std::vector<std::string>{"Mon  2026-03-02   00:01   1 marker"});
+    EXPECT_EQ(day().allMarkers().size(), 1U);
+}
+
+TEST_F(ReviewDeskTest, lets_the_waveform_of_today_grow_as_it_is_recorded) {
+    launch();
+    controller().toggleRecordingFromMenu();
+    playSeconds(3, 0.5F);
+    passSeconds(2.2);
+    ASSERT_TRUE(QTest::qWaitFor(
+        [this] {
+            mainQueue_.runAll();
+            return controller().review().peaks().peaksData().has_value();
+        },
+        5000));
+    const auto known = controller().review().peaks().peaksData()->rms.size();
+    playSeconds(2, 0.5F);
+    mainQueue_.runAll();
+    EXPECT_GE(controller().review().peaks().peaksData()->rms.size(), known + 7);
+}
+
+TEST_F(ReviewDeskTest, writes_the_waveform_of_a_past_day_beside_it) {
+    haveDay("2026-03-01");
+    launch();
+    EXPECT_TRUE(QTest::qWaitFor(
+        [this] {
+            mainQueue_.runAll();
+            return std::filesystem::exists(fileOf("2026-03-01", "peaks"));
+        },
+        10000));
+}
+
+TEST_F(ReviewDeskTest, deletes_a_day_once_the_person_confirmed_it) {
+    haveDay("2026-02-28");
+    haveDay("2026-03-01");
+    launch();
+    controller().review().days().deleteRecording(*controller().review().days().rowOf("2026-03-01"));
+    ASSERT_EQ(alerts_.shown.size(), 1U);
+    EXPECT_EQ(alerts_.shown[0].message, "Delete 2026-03-01 (Sun)?");
+    EXPECT_EQ(alerts_.shown[0].buttons, (QStringList{"Delete", "Cancel"}));
+    EXPECT_EQ(rows().size(), 1U);
+    EXPECT_EQ(day().loadedFileURL(), fileOf("2026-02-28", "mp3"));
+    EXPECT_FALSE(std::filesystem::exists(fileOf("2026-03-01", "csv")));
+}
+
+}  // namespace
+}  // namespace sonavault::testing
