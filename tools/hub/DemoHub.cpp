@@ -2,7 +2,9 @@
 
 #include <QJsonDocument>
 #include <QTimer>
+#include <algorithm>
 #include <filesystem>
+#include <limits>
 #include <utility>
 
 namespace sonavault::demohub {
@@ -14,6 +16,12 @@ constexpr qint64 kAllReading = 0;
 
 std::string numbered(int number) {
     return "#" + std::to_string(number) + " ";
+}
+
+// Qt's timers hold no more than an int.
+int timerDelay(std::int64_t milliseconds) {
+    return static_cast<int>(
+        std::clamp<std::int64_t>(milliseconds, 0, std::numeric_limits<int>::max()));
 }
 
 /// Nobody answers where a hub has died and left its socket.
@@ -123,8 +131,8 @@ void DemoHub::handleLine(int number, const std::string& line) {
     const Envelope& read = envelope.value();
     send(router_.received(number, read));
     if (read.type == "query" && read.id && read.timeoutMs)
-        QTimer::singleShot(std::chrono::milliseconds(std::max<std::int64_t>(0, *read.timeoutMs)),
-                           &alive_, [this, id = *read.id] { send(router_.queryTimedOut(id)); });
+        QTimer::singleShot(timerDelay(*read.timeoutMs), &alive_,
+                           [this, id = *read.id] { send(router_.queryTimedOut(id)); });
 }
 
 void DemoHub::ended(int number) {
