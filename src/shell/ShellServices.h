@@ -7,6 +7,7 @@
 #include "platform/Preferences.h"
 #include "recorder/SVRecorder.h"
 #include "shell/Alerts.h"
+#include "shell/StationHub.h"
 
 namespace sonavault {
 
@@ -34,6 +35,7 @@ struct ShellServices {
     Preferences& preferences;  ///< the standard domain
     Alerts& alerts;
     std::filesystem::path cacheFolder;  ///< for what can be made anew
+    StationHub& hub;
 
     /// Hands a file to the program with which the person's desktop opens it; false when there is
     /// none.

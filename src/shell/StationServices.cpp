@@ -40,6 +40,7 @@ ShellServices StationServices::services() {
         .preferences = preferences_,
         .alerts = alerts_,
         .cacheFolder = cacheFolder(),
+        .hub = hub_,
         .openFile = openOnDesktop,
     };
 }

@@ -32,6 +32,7 @@ class StationServices {
     DiskFlusher flusher_;
     CubebAudioInput lineInput_;
     MessageBoxAlerts alerts_;
+    SwitchboardHub hub_{mainQueue_};
 };
 
 }  // namespace sonavault

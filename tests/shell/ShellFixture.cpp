@@ -38,6 +38,7 @@ ShellServices ShellFixture::services() {
         .preferences = preferences_,
         .alerts = alerts_,
         .cacheFolder = temp_ / "cache",
+        .hub = hub_,
         .openFile =
             [this](const std::filesystem::path& file) {
                 opened_.push_back(file);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -71,6 +72,38 @@ class SilentMarkerLink final : public MarkerLink {
     void stop() override {}
 };
 
+/// A hub whose other programs are the test.
+class RecordedHub final : public StationHub {
+  public:
+    struct Said {
+        std::string about;  ///< a topic or a key
+        QJsonObject what;
+    };
+
+    void join(const std::string& name, std::function<void(const std::string&)> onState) override {
+        joinedAs.push_back(name);
+        tellState = std::move(onState);
+    }
+    void subscribe(const std::string& topic,
+                   std::function<void(const QJsonObject&)> handler) override {
+        subscriptions[topic] = std::move(handler);
+    }
+    void notify(const std::string& topic, const QJsonObject& payload) override {
+        notified.push_back({topic, payload});
+    }
+    void stateSet(const std::string& key, const QJsonObject& value) override {
+        states[key] = value;
+        ++timesSet[key];
+    }
+
+    std::vector<std::string> joinedAs;
+    std::function<void(const std::string&)> tellState;
+    std::map<std::string, std::function<void(const QJsonObject&)>> subscriptions;
+    std::vector<Said> notified;
+    std::map<std::string, QJsonObject> states;
+    std::map<std::string, int> timesSet;
+};
+
 /// Answers every alert at once, and keeps them.
 class RecordedAlerts final : public Alerts {
   public:
@@ -131,6 +164,7 @@ class ShellFixture : public ::testing::Test {
     DiskFlusher flusher_;
     SwitchedLineInput input_;
     RecordedAlerts alerts_;
+    RecordedHub hub_;
     std::vector<std::filesystem::path> opened_;
     bool opensFiles_ = true;
     ScriptedAudioLink* link_ = nullptr;
