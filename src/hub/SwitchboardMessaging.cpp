@@ -163,8 +163,8 @@ void SwitchboardClientImpl::dispatchReply(Envelope&& envelope, std::size_t lineB
     if (request.timer) request.timer->cancel();
     if (!request.replied) return;
     const auto delivery =
-        std::make_shared<const Delivery>(SwitchboardMessage::of(std::move(envelope)),
-                                         undelivered_.add(lineBytes + kBytesOfACallback));
+        std::make_shared<const Delivery>(Delivery{SwitchboardMessage::of(std::move(envelope)),
+                                                  undelivered_.add(lineBytes + kBytesOfACallback)});
     callbackQueue().post(
         [replied = std::move(request.replied), delivery] { replied(delivery->message); });
 }
@@ -183,7 +183,7 @@ void SwitchboardClientImpl::dispatchNotify(Envelope&& envelope, std::size_t line
     if (handlers.empty()) return;
     auto share = undelivered_.add(lineBytes + handlers.size() * kBytesOfACallback);
     const auto delivery = std::make_shared<const Delivery>(
-        SwitchboardMessage::of(std::move(envelope)), std::move(share));
+        Delivery{SwitchboardMessage::of(std::move(envelope)), std::move(share)});
     Executor& queue = callbackQueue();
     for (const auto& handler : handlers)
         queue.post([handler, delivery] { (*handler)(delivery->message); });

@@ -42,6 +42,21 @@ class HubRaceTest : public ::testing::Test {
         ASSERT_TRUE(eventually([&] { return client_.currentState().is<State::Connected>(); }));
     }
 
+    /// At its end no callback runs any more: made after what the callbacks of a test use.
+    class Quiet {
+      public:
+        explicit Quiet(HubRaceTest& test) : test_(test) {}
+        ~Quiet() {
+            test_.client_.disconnect();
+            test_.callbacks_.runAndWait([] {});
+        }
+        Quiet(const Quiet&) = delete;
+        Quiet& operator=(const Quiet&) = delete;
+
+      private:
+        HubRaceTest& test_;
+    };
+
     const SystemClock clock_;
     HubThread hub_;
     SerialQueue callbacks_{"test.callbacks"};
@@ -56,6 +71,7 @@ TEST_F(HubRaceTest, answers_each_ping_once_when_reply_and_timer_meet) {
     join();
     Answers answers(kPings);
     std::atomic<int> succeeded{0};
+    const Quiet quiet(*this);
     const auto pingAll = [&](std::size_t first) {
         for (std::size_t i = first; i < kPings; i += 2) {
             client_.ping(1, [&, i](const PingResult& result) {
@@ -79,6 +95,7 @@ TEST_F(HubRaceTest, answers_each_request_once_when_reply_and_break_meet) {
     constexpr std::size_t kRounds = 60;
     constexpr std::size_t kPerRound = 15;
     Answers answers(kRounds * kPerRound);
+    const Quiet quiet(*this);
     const auto ask = [&](std::size_t first) {
         for (std::size_t i = first; i < first + kPerRound; i += 3) {
             client_.ping(60'000, [&, i](const PingResult&) { answers.note(i); });
@@ -107,6 +124,7 @@ TEST_F(HubRaceTest, brings_each_subscription_to_the_hub_when_subscribe_and_recon
     constexpr std::size_t kRounds = 50;
     constexpr std::size_t kPerRound = 5;
     std::vector<std::atomic<bool>> heard(kRounds * kPerRound);
+    const Quiet quiet(*this);
     const auto topic = [](std::size_t i) { return "t" + std::to_string(i); };
     for (std::size_t round = 0; round < kRounds; ++round) {
         std::thread subscriber([&, round] {
@@ -130,6 +148,7 @@ TEST_F(HubRaceTest, brings_each_subscription_to_the_hub_when_subscribe_and_recon
 TEST_F(HubRaceTest, stands_calls_from_everywhere_while_the_hub_comes_and_goes) {
     std::atomic<bool> done{false};
     std::atomic<int> states{0};
+    const Quiet quiet(*this);
     client_.addStateObserver([&](const State&) { ++states; });
     join();
     std::vector<std::thread> callers;

@@ -175,6 +175,7 @@ TEST_F(HubSocketTest, follows_a_hub_that_stops_and_starts_again) {
     const auto client = makeClient(hub.path());
     client->subscribe("t", [](const SwitchboardMessage&) {});
     join(*client);
+    ASSERT_TRUE(eventually([&] { return hub.heard(R"("type":"subscribe")"); }));
     hub.obey("refuse");
     hub.obey("drop");
     ASSERT_TRUE(becomes<State::Reconnecting>(*client));
