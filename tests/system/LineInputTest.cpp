@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
+#include <vector>
 
 #include "platform/LocalTime.h"
 #include "store/RecordingManifest.h"
@@ -46,11 +48,15 @@ class LineInput : public ::testing::Test {
         }
     }
 
+    /// The middle one of what the last five lines about the clock say: a busy machine may come late
+    /// to write a line, which is not the file's fault.
     double latestDriftMs() const {
-        double drift = 1e9;
+        std::vector<double> drifts;
         for (const auto& line : program_->lines())
-            if (line.text.starts_with(kSync)) drift = number(line.text, "drift=");
-        return drift;
+            if (line.text.starts_with(kSync)) drifts.push_back(number(line.text, "drift="));
+        if (drifts.size() < 5) return 1e9;
+        std::sort(drifts.end() - 5, drifts.end());
+        return *(drifts.end() - 3);
     }
 
     std::size_t padCount() const {
