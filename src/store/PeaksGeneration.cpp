@@ -8,10 +8,10 @@
 #include <string>
 #include <thread>
 
-#include "platform/BackgroundJob.h"
 #include "platform/M4aDecoder.h"
 #include "platform/Mp3Decoder.h"
 #include "platform/SampleMath.h"
+#include "platform/ThisThread.h"
 
 namespace sonavault {
 namespace {
