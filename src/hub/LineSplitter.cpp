@@ -4,7 +4,7 @@ namespace sonavault {
 namespace {
 
 // A buffer that one long line has blown up is given back.
-constexpr std::size_t kBytesWorthKeeping = 1024 * 1024;
+constexpr std::size_t kBytesWorthKeeping = 1'048'576;
 
 }  // namespace
 

@@ -16,7 +16,7 @@ constexpr std::size_t kReceiveChunkBytes = 65'536;
 
 /// What may wait to be sent. A hub that has stopped reading costs envelopes beyond this, not
 /// memory. Units: bytes
-constexpr std::size_t kMostUnsentBytes = 4 * 1024 * 1024;
+constexpr std::size_t kMostUnsentBytes = 4'194'304;
 
 /// A HubConnection over a Unix-domain stream socket.
 ///

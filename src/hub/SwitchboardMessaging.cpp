@@ -7,7 +7,7 @@ namespace sonavault {
 namespace {
 
 /// What may wait for its callbacks before nothing more is read. Units: bytes
-constexpr std::size_t kMostUndeliveredBytes = 8 * 1024 * 1024;
+constexpr std::size_t kMostUndeliveredBytes = 8'388'608;
 
 /// About what a queued callback takes besides its message. Units: bytes
 constexpr std::size_t kBytesOfACallback = 256;
@@ -20,8 +20,8 @@ QString text(const std::string& utf8) {
 
 /// A message on its way to its callbacks.
 struct Delivery {
-    const SwitchboardMessage message;
-    const std::shared_ptr<const UndeliveredBytes::Share> share;
+    SwitchboardMessage message;
+    std::shared_ptr<const UndeliveredBytes::Share> share;
 };
 
 }  // namespace

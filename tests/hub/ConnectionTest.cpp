@@ -6,7 +6,6 @@ namespace sonavault::testing {
 namespace {
 
 using std::chrono::milliseconds;
-using ::testing::Contains;
 using ::testing::ElementsAre;
 
 class HubConnectionTest : public ClientFixture {
@@ -205,7 +204,7 @@ TEST_F(HubConnectionTest, understands_a_line_of_5_mebibytes) {
     client_->subscribe("big", [&](const SwitchboardMessage& message) {
         heard = static_cast<std::size_t>(message.payload["text"].toString().size());
     });
-    const std::string text(5 * 1024 * 1024, 'x');
+    const std::string text(5'242'880, 'x');
     const std::string line =
         R"({"type":"notify","from":"A","topic":"big","payload":{"text":")" + text + "\"}}\n";
     for (std::size_t at = 0; at < line.size(); at += 65'536)

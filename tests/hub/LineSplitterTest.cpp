@@ -68,7 +68,7 @@ TEST(LineSplitter, forgets_half_a_line_when_cleared) {
 }
 
 TEST(LineSplitter, gives_a_line_of_5_mebibytes_that_comes_byte_by_byte) {
-    const std::string line(5 * 1024 * 1024, 'y');
+    const std::string line(5'242'880, 'y');
     LineSplitter splitter;
     Lines lines = split(splitter, line + "\nafter\n", 1);
     ASSERT_EQ(lines.size(), 2U);

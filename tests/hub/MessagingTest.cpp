@@ -490,7 +490,7 @@ TEST_F(HubMessagingTest, runs_callbacks_on_a_queue_of_its_own_when_given_none) {
     std::mutex mutex;
     std::condition_variable changed;
     std::optional<std::thread::id> ranOn;
-    client_->ping(1000, [&](PingResult) {
+    client_->ping(1000, [&](const PingResult&) {
         std::scoped_lock lock(mutex);
         ranOn = std::this_thread::get_id();
         changed.notify_all();

@@ -57,7 +57,7 @@ class HubRaceTest : public ::testing::Test {
         HubRaceTest& test_;
     };
 
-    const SystemClock clock_;
+    SystemClock clock_;
     HubThread hub_;
     SerialQueue callbacks_{"test.callbacks"};
     SwitchboardClientImpl client_{{.clock = clock_,

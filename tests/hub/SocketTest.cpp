@@ -16,7 +16,6 @@ namespace {
 
 using State = SwitchboardState;
 using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 
 /// A client on the machine's own sockets and timers.
 class HubSocketTest : public ::testing::Test {
@@ -51,7 +50,7 @@ class HubSocketTest : public ::testing::Test {
         return reason;
     }
 
-    const SystemClock clock_;
+    SystemClock clock_;
     ManualQueue mainQueue_;
     ManualQueue callbacks_;
     TempFolder folder_;

@@ -1,10 +1,7 @@
 #include "hub/DemoHub.h"
 
 #include <QJsonDocument>
-#include <QTimer>
-#include <algorithm>
 #include <filesystem>
-#include <limits>
 #include <utility>
 
 namespace sonavault::demohub {
@@ -16,12 +13,6 @@ constexpr qint64 kAllReading = 0;
 
 std::string numbered(int number) {
     return "#" + std::to_string(number) + " ";
-}
-
-// Qt's timers hold no more than an int.
-int timerDelay(std::int64_t milliseconds) {
-    return static_cast<int>(
-        std::clamp<std::int64_t>(milliseconds, 0, std::numeric_limits<int>::max()));
 }
 
 /// Nobody answers where a hub has died and left its socket.
@@ -131,8 +122,7 @@ void DemoHub::handleLine(int number, const std::string& line) {
     const Envelope& read = envelope.value();
     send(router_.received(number, read));
     if (read.type == "query" && read.id && read.timeoutMs)
-        QTimer::singleShot(timerDelay(*read.timeoutMs), &alive_,
-                           [this, id = *read.id] { send(router_.queryTimedOut(id)); });
+        later_.after(*read.timeoutMs, [this, id = *read.id] { send(router_.queryTimedOut(id)); });
 }
 
 void DemoHub::ended(int number) {
@@ -149,7 +139,7 @@ void DemoHub::send(const std::vector<Outgoing>& all) {
 
 void DemoHub::sendBytes(int number, const std::string& bytes) {
     if (delayMs_ == 0) return write(number, bytes);
-    QTimer::singleShot(delayMs_, &alive_, [this, number, bytes] { write(number, bytes); });
+    later_.after(delayMs_, [this, number, bytes] { write(number, bytes); });
 }
 
 void DemoHub::write(int number, const std::string& bytes) {
@@ -176,7 +166,7 @@ void DemoHub::setReading(bool reading) {
     reading_ = reading;
     for (auto& [number, connection] : connections_) {
         connection.socket->setReadBufferSize(reading ? kAllReading : kNoReading);
-        if (reading) QTimer::singleShot(0, &alive_, [this, each = number] { receive(each); });
+        receive(number);
     }
 }
 

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "hub/DelayedWork.h"
 #include "hub/HubCommand.h"
 #include "hub/HubRouter.h"
 #include "hub/LineSplitter.h"
@@ -61,6 +62,7 @@ class DemoHub {
     bool reading_ = true;
     bool silent_ = false;
     bool closesAfterLine_ = false;
+    DelayedWork later_;
     QObject alive_;  // last, so that what is still to come finds it gone first
 };
 
