@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <string>
 
 #include "platform/SystemError.h"
 
@@ -29,14 +30,24 @@ int writeOrTakeBack(int descriptor, std::string_view bytes) {
     return 0;
 }
 
+/// As a process leaves a file that is killed while it writes.
+bool endsInMidLine(int descriptor) {
+    const off_t end = ::lseek(descriptor, 0, SEEK_END);
+    char last = '\n';
+    return end > 0 && ::pread(descriptor, &last, 1, end - 1) == 1 && last != '\n';
+}
+
 }  // namespace
 
-Outcome appendWhole(const std::filesystem::path& file, std::string_view bytes) {
+Outcome appendWholeLine(const std::filesystem::path& file, std::string_view line) {
     int descriptor = -1;
-    do descriptor = ::open(file.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
+    // Without O_NONBLOCK a pipe under that name would wait for a reader.
+    do descriptor = ::open(file.c_str(), O_RDWR | O_APPEND | O_CLOEXEC | O_NONBLOCK);
     while (descriptor < 0 && errno == EINTR);
     if (descriptor < 0) return Outcome::failure(systemWords(errno));
-    const int writing = writeOrTakeBack(descriptor, bytes);
+    const int writing = endsInMidLine(descriptor)
+                            ? writeOrTakeBack(descriptor, '\n' + std::string(line))
+                            : writeOrTakeBack(descriptor, line);
     // Some file systems report a full disk only here.
     const int closing = ::close(descriptor) == 0 ? 0 : errno;
     if (const int error = writing ? writing : closing) return Outcome::failure(systemWords(error));

@@ -18,7 +18,7 @@ namespace {
 constexpr std::chrono::seconds kFarewell{1};
 
 void flushName(const std::filesystem::path& file, int kind, const DiskSync& sync) {
-    const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC | kind);
+    const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | kind);
     if (descriptor < 0) return;
     sync.whole(descriptor);
     ::close(descriptor);

@@ -46,6 +46,7 @@ Result<MappedFile> MappedFile::open(const std::filesystem::path& file, Order ord
     if (order == Order::frontToBack) ::madvise(address, size, MADV_SEQUENTIAL);
     mapped.data_ = static_cast<const std::uint8_t*>(address);
     mapped.size_ = size;
+    mapped.guard_ = std::make_unique<MappingGuard>(address, size);
     return mapped;
 }
 
@@ -56,15 +57,19 @@ void MappedFile::letGoBefore(std::int64_t offset) const {
 }
 
 MappedFile::MappedFile(MappedFile&& other) noexcept
-    : data_(std::exchange(other.data_, nullptr)), size_(std::exchange(other.size_, 0)) {}
+    : data_(std::exchange(other.data_, nullptr)),
+      size_(std::exchange(other.size_, 0)),
+      guard_(std::move(other.guard_)) {}
 
 MappedFile& MappedFile::operator=(MappedFile&& other) noexcept {
     std::swap(data_, other.data_);
     std::swap(size_, other.size_);
+    std::swap(guard_, other.guard_);
     return *this;
 }
 
 MappedFile::~MappedFile() {
+    guard_.reset();
     // munmap wants the address as it was given out, without const.
     if (data_) ::munmap(const_cast<std::uint8_t*>(data_), size_);
 }

@@ -3,8 +3,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <span>
 
+#include "platform/MappingGuard.h"
 #include "platform/Result.h"
 
 namespace sonavault {
@@ -12,8 +14,8 @@ namespace sonavault {
 /// A file's bytes as they were at opening, mapped into memory for reading; unmapped at destruction.
 ///
 /// What the file gains afterwards is not seen, and no byte beyond its size at opening is part of
-/// bytes(). A file that is cut short while it is mapped must not be read where it was cut: the
-/// system ends a process that does. Nothing in this program shortens a day's file.
+/// bytes(). Where another program has cut the file short meanwhile, or its disk is gone, the bytes
+/// read as zeros.
 ///
 /// Owns: the mapping, not the descriptor. Thread: any, also several at once.
 class MappedFile {
@@ -41,6 +43,7 @@ class MappedFile {
 
     const std::uint8_t* data_ = nullptr;
     std::size_t size_ = 0;
+    std::unique_ptr<MappingGuard> guard_;
 };
 
 }  // namespace sonavault

@@ -1,9 +1,11 @@
 #include "platform/ReadFile.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <array>
 #include <cerrno>
-#include <cstdio>
-#include <memory>
 
 #include "platform/SystemError.h"
 
@@ -11,21 +13,35 @@ namespace sonavault {
 
 namespace {
 
-Result<std::string> lastError() {
-    return Result<std::string>::failure(systemWords(errno));
+using Read = Result<std::string>;
+
+Read readAll(int descriptor, std::size_t mostBytes) {
+    struct stat status {};
+    if (::fstat(descriptor, &status) != 0) return Read::failure(systemWords(errno));
+    if (S_ISDIR(status.st_mode)) return Read::failure(systemWords(EISDIR));
+    if (!S_ISREG(status.st_mode)) return Read::failure("Not a plain file");
+    if (static_cast<std::size_t>(status.st_size) > mostBytes)
+        return Read::failure(systemWords(EFBIG));
+    std::string bytes;
+    std::array<char, 65536> piece;
+    for (;;) {
+        const auto count = ::read(descriptor, piece.data(), piece.size());
+        if (count == 0) return bytes;
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return Read::failure(systemWords(errno));
+        bytes.append(piece.data(), static_cast<std::size_t>(count));
+        if (bytes.size() > mostBytes) return Read::failure(systemWords(EFBIG));
+    }
 }
 
 }  // namespace
 
-Result<std::string> readWholeFile(const std::filesystem::path& file) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> in(std::fopen(file.c_str(), "rb"),
-                                                             &std::fclose);
-    if (!in) return lastError();
-    std::string bytes;
-    std::array<char, 65536> piece;
-    while (const auto count = std::fread(piece.data(), 1, piece.size(), in.get()))
-        bytes.append(piece.data(), count);
-    if (std::ferror(in.get())) return lastError();
+Read readWholeFile(const std::filesystem::path& file, std::size_t mostBytes) {
+    // Without O_NONBLOCK a pipe under that name would wait for a writer.
+    const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (descriptor < 0) return Read::failure(systemWords(errno));
+    auto bytes = readAll(descriptor, mostBytes);
+    ::close(descriptor);
     return bytes;
 }
 

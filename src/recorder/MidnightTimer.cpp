@@ -11,7 +11,7 @@ namespace {
 using std::chrono::milliseconds;
 
 std::string armedLine(double interval) {
-    const auto seconds = static_cast<long long>(interval);
+    const auto seconds = static_cast<long long>(std::max(interval, 0.0));
     return "Sonavault recorder: midnight rollover armed in " + std::to_string(seconds / 60) + "m " +
            std::to_string(seconds % 60) + "s";
 }

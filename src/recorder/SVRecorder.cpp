@@ -257,6 +257,8 @@ void SVRecorder::finalizeEncoder() {
     const auto encoder = pipeline_.end();
     if (!encoder) return;
     encoder->close();
+    // What was computed of the file while it grew must not be taken for all of it tomorrow.
+    if (lastRecordingURL_) forgetPeaks(*lastRecordingURL_);
     if (lastRecordingURL_) log("stopped → " + lastRecordingURL_->string());
     if (!isRecording_) setStatus("");
 }

@@ -193,7 +193,8 @@ void DayList::refreshRow(DailyRecording& row) {
 // Deletion
 
 bool DayList::isBeingRecorded(const DailyRecording& row) const {
-    return row.live && host_.isRecording();
+    // After a change of the clock a row may be today's that was not when it was read.
+    return host_.isRecording() && (row.live || row.date == todayDateString(clock_));
 }
 
 void DayList::deleteRecording(const DailyRecording& row) {

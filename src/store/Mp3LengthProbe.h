@@ -15,8 +15,9 @@ namespace sonavault {
 ///
 /// What is taken on trust is that two neighbours on one grid have nothing between them that leaves
 /// it and comes back to it. Torn frames between them do so once in a hundred times by chance, and
-/// cost a few hundredths of a second then. A change to a quality with frames of the same length,
-/// and back, would not be seen either; a day that has its manifest keeps its quality.
+/// cost a few hundredths of a second then. What else would not be seen are frames of another
+/// quality that happen to end on the grid again, which a day with its manifest never has, and bytes
+/// that were destroyed in their place, as by a failing disk.
 ///
 /// Thread: any. Units: seconds. Errors: nothing, when the file can't be read or is no such stream:
 /// it has to be walked.

@@ -82,6 +82,20 @@ bool PeaksCache::loadSidecar(const std::filesystem::path& audio) {
     return true;
 }
 
+namespace {
+
+/// A day too large for the memory that is left is a failure like any other.
+PeaksResult generateSafely(const PeaksCache::Generate& generate, const std::filesystem::path& audio,
+                           const std::stop_token& stop) {
+    try {
+        return generate(audio, PeaksCache::kBucketSec, stop);
+    } catch (const std::exception& error) {
+        return PeaksResult::failure({PeaksError::Code::passedOn, error.what()});
+    }
+}
+
+}  // namespace
+
 void PeaksCache::startJob(const std::filesystem::path& audio) {
     std::erase_if(jobs_, [](const auto& job) { return job->hasEnded(); });
     auto deliver = lifetime_.guard(
@@ -89,10 +103,11 @@ void PeaksCache::startJob(const std::filesystem::path& audio) {
     jobs_.push_back(
         std::make_unique<BackgroundJob>("peaks", [audio, generate = generate_, outlet = outlet_,
                                                   deliver](const std::stop_token& stop) mutable {
-            auto result = std::make_shared<PeaksResult>(generate(audio, kBucketSec, stop));
+            auto result = std::make_shared<PeaksResult>(generateSafely(generate, audio, stop));
             if (stop.stop_requested()) return;
-            // Without its sidecar the day is measured again at the next launch, and that is all.
-            if (*result) (void)savePeaksFile(result->value(), peaksURL(audio));
+            // Without its sidecar the day is measured again at the next launch, and that is all; a
+            // day that was deleted meanwhile must not come back with it.
+            if (*result && pathExists(audio)) (void)savePeaksFile(result->value(), peaksURL(audio));
             outlet->post([deliver = std::move(deliver), result]() mutable { deliver(result); });
         }));
 }
@@ -123,7 +138,8 @@ void PeaksCache::appendLivePeak(float rms, double bucketSec) {
         if (rms > peaksData_->maxRMS) peaksData_->maxRMS = rms;
     }
     const double now = secondsSince1970(clock_.now());
-    if (now - lastLivePeakRepaint_ <= kLiveRepaintSec) return;
+    // A clock that was set back must not hold the bar up until it has caught up.
+    if (now - lastLivePeakRepaint_ <= kLiveRepaintSec && now >= lastLivePeakRepaint_) return;
     lastLivePeakRepaint_ = now;
     host_.redrawSummaryBar();
 }

@@ -6,6 +6,7 @@
 #include <limits>
 #include <new>
 #include <string>
+#include <system_error>
 #include <thread>
 
 #include "platform/M4aDecoder.h"
@@ -166,14 +167,19 @@ std::optional<PeaksError> PeaksGenerator::measure(const Opener& open, const Peak
     };
 
     const std::size_t pieces = (rms.size() - from + kBucketsAtATime - 1) / kBucketsAtATime;
-    std::vector<std::thread> helpers;
-    for (std::size_t i = 1; i < std::min<std::size_t>(workers_, pieces); ++i)
-        helpers.emplace_back([&work, i] {
-            nameThisThread("peaks-" + std::to_string(i));
-            work();
-        });
-    work();
-    for (auto& helper : helpers) helper.join();
+    {
+        std::vector<std::jthread> helpers;
+        try {
+            for (std::size_t i = 1; i < std::min<std::size_t>(workers_, pieces); ++i)
+                helpers.emplace_back([&work, i] {
+                    nameThisThread("peaks-" + std::to_string(i));
+                    work();
+                });
+        } catch (const std::system_error&) {
+            // No thread is to be had: those that there are do all of it.
+        }
+        work();
+    }
     return error;
 }
 

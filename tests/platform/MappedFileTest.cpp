@@ -89,6 +89,18 @@ TEST(MappedFile, keeps_its_bytes_when_the_file_is_replaced_or_deleted) {
     EXPECT_EQ(textOf(mapped), "first");
 }
 
+TEST(MappedFile, reads_zeros_where_another_program_has_cut_the_file_short) {
+    TempFolder folder;
+    constexpr std::size_t kSize = 1 << 20;
+    writeFile(folder / "a", std::string(kSize, 'x'));
+    const MappedFile mapped = opened(folder / "a");
+    std::filesystem::resize_file(folder / "a", 4096);
+    const auto bytes = mapped.bytes();
+    EXPECT_EQ(bytes[4095], 'x');
+    EXPECT_EQ(std::count(bytes.begin(), bytes.end(), 'x'), 4096);
+    EXPECT_EQ(std::count(bytes.begin(), bytes.end(), 0), kSize - 4096);
+}
+
 TEST(MappedFile, moves_with_its_bytes_staying_where_they_are) {
     static_assert(!std::is_copy_constructible_v<MappedFile>);
     TempFolder folder;

@@ -77,6 +77,19 @@ class LoadedDayTest : public ::testing::Test {
         writeFile(fileOf(date, "csv"), "timestamp,event,label,duration\n" + rows);
     }
 
+    /// Audio, manifest, markers and waveform.
+    void loadWholeDay() {
+        haveAudio("2026-05-07");
+        haveLog("2026-05-07", "08:10:00,break_start,Spots,120\n");
+        writeFile(fileOf("2026-05-07", "json"), R"({"version": 1, "start_offset_sec": 0.5})");
+        day_.loadRecording(fileOf("2026-05-07"));
+        const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        while (!peaks_.peaksData() && std::chrono::steady_clock::now() < until) mainQueue_.runAll();
+        ASSERT_TRUE(peaks_.peaksData());
+        ASSERT_TRUE(day_.loadedFile() && day_.loadedFileURL() && day_.loadedManifest());
+        ASSERT_EQ(day_.allMarkers().size(), 1U);
+    }
+
     const ScopedTimeZone zone_{"Europe/Berlin"};
     TempFolder home_;
     RecordedLog log_;
@@ -154,8 +167,7 @@ TEST_F(LoadedDayTest, without_a_log_or_with_one_that_is_no_text_has_no_markers) 
 }
 
 TEST_F(LoadedDayTest, that_was_clicked_and_cannot_be_opened_leaves_none_and_alerts) {
-    haveAudio("2026-05-07");
-    day_.loadRecording(fileOf("2026-05-07"));
+    loadWholeDay();
     writeFile(fileOf("2026-05-06"), "");
     days_.reloadDailyRecordings();
     log_.clear();
@@ -163,6 +175,8 @@ TEST_F(LoadedDayTest, that_was_clicked_and_cannot_be_opened_leaves_none_and_aler
     EXPECT_FALSE(day_.loadedFileURL());
     EXPECT_FALSE(day_.loadedFile());
     EXPECT_FALSE(day_.loadedManifest());
+    EXPECT_FALSE(peaks_.peaksData());
+    EXPECT_THAT(day_.allMarkers(), IsEmpty());
     EXPECT_FALSE(peaks_.isGeneratingPeaks());
     ASSERT_EQ(window_.warnings.size(), 1U);
     EXPECT_EQ(window_.warnings[0].first, "Couldn't load recording");
@@ -221,11 +235,10 @@ TEST_F(LoadedDayTest, follows_a_choice_of_date_and_shows_it_in_the_list) {
 }
 
 TEST_F(LoadedDayTest, is_gone_whole_when_it_is_unloaded) {
-    haveAudio("2026-05-07");
-    haveLog("2026-05-07", "08:10:00,break_start,Spots,120\n");
-    day_.loadRecording(fileOf("2026-05-07"));
+    loadWholeDay();
     day_.unload();
     EXPECT_FALSE(day_.loadedFileURL());
+    EXPECT_FALSE(day_.loadedManifest());
     EXPECT_FALSE(day_.loadedFile());
     EXPECT_THAT(day_.allMarkers(), IsEmpty());
     EXPECT_FALSE(peaks_.peaksData());

@@ -80,9 +80,10 @@ TEST_F(DayDeletion, of_the_day_under_review_ends_with_the_startup_recording) {
 TEST_F(DayDeletion, unloads_before_the_files_are_gone) {
     haveDays();
     host_.loaded = audioOf(kYesterday);
-    host_.whileAsking = [this] { EXPECT_TRUE(host_.loaded); };
+    bool wereThere = false;
+    host_.whileUnloading = [&] { wereThere = fs::exists(audioOf(kYesterday)); };
     deleteDay(kYesterday);
-    EXPECT_EQ(host_.heard().front(), "unload");
+    EXPECT_TRUE(wereThere);
 }
 
 TEST_F(DayDeletion, of_another_day_leaves_the_day_under_review_alone) {
@@ -116,6 +117,16 @@ TEST_F(DayDeletion, of_today_is_refused_when_recording_began_while_the_question_
     EXPECT_TRUE(fs::exists(audioOf(kToday)));
 }
 
+TEST_F(DayDeletion, of_the_day_to_which_the_clock_went_back_is_refused_while_it_is_recorded) {
+    haveDays();
+    clock_.advance(-24 * 3600);  // the recorder goes on in yesterday's file
+    host_.recording = true;
+    deleteDay(kYesterday);
+    ASSERT_THAT(host_.warnings, SizeIs(1));
+    EXPECT_EQ(host_.warnings[0].message, "Recording is in progress");
+    EXPECT_TRUE(fs::exists(audioOf(kYesterday)));
+}
+
 TEST_F(DayDeletion, of_today_is_allowed_while_nothing_is_recorded) {
     haveDays();
     deleteDay(kToday);
@@ -139,7 +150,7 @@ TEST_F(DayDeletion, of_a_row_without_audio_reads_the_folder_again) {
     EXPECT_THAT(host_.heard(), ElementsAre("render list", "load startup"));
 }
 
-TEST_F(DayDeletion, brings_back_the_row_of_a_file_that_could_not_be_deleted) {
+TEST_F(DayDeletion, passes_over_a_folder_that_is_gone) {
     haveDays();
     // The row is from before its folder became another; nothing of the day is found there.
     DailyRecording row = *days_.rowOf(kYesterday);

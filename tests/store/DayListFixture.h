@@ -31,6 +31,7 @@ class FakeDayListHost final : public DayListHost {
     }
     void unloadRecording() override {
         said("unload");
+        if (whileUnloading) whileUnloading();
         loaded.reset();
     }
     void loadStartupRecording() override { said("load startup"); }
@@ -54,6 +55,7 @@ class FakeDayListHost final : public DayListHost {
     std::optional<std::filesystem::path> loaded;
     std::size_t answer = 0;
     std::function<void()> whileAsking;
+    std::function<void()> whileUnloading;
     std::vector<DayListWarning> warnings;
 
   private:

@@ -17,6 +17,7 @@ using ::testing::IsEmpty;
 class DayListScan : public DayListFixture {};
 
 TEST_F(DayListScan, is_empty_and_keeps_its_placeholder_without_a_station_folder) {
+    clock_.advance(24 * 3600);
     fs::remove_all(stationPath_);
     writeFile(home_.path() / "Documents" / "Calderwave_Recordings" / "Sonavault_2026-05-08.mp3",
               dayRun(100, {24, 16000}));

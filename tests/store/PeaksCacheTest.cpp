@@ -229,6 +229,33 @@ TEST_F(PeaksCacheTest, removes_the_live_sidecar_also_while_a_job_runs) {
     EXPECT_FALSE(std::filesystem::exists(sidecar));
 }
 
+TEST_F(PeaksCacheTest, keeps_nothing_beside_a_day_that_was_deleted_meanwhile) {
+    cache->loadOrGeneratePeaks(day);
+    held->awaitBegun(1);
+    std::filesystem::remove(day);
+    held->release(day, someBuckets(3));
+    ASSERT_TRUE(eventually([&] { return !cache->isGeneratingPeaks(); }));
+    EXPECT_FALSE(std::filesystem::exists(peaksURL(day)));
+}
+
+TEST_F(PeaksCacheTest, reports_a_job_that_had_no_memory_like_any_failure) {
+    PeaksCache starved(desk, clock, log, queue,
+                       [](const std::filesystem::path&, double,
+                          const std::stop_token&) -> PeaksResult { throw std::bad_alloc(); });
+    starved.loadOrGeneratePeaks(day);
+    ASSERT_TRUE(eventually([&] { return !starved.isGeneratingPeaks(); }));
+    EXPECT_EQ(desk.status, "Waveform generation failed.");
+}
+
+TEST_F(PeaksCacheTest, has_live_values_drawn_on_when_the_clock_was_set_back) {
+    desk.loaded = desk.recorded = day;
+    cache->appendLivePeak(0.5F, 0.25);
+    const int before = desk.redraws;
+    clock.advance(-3600);
+    cache->appendLivePeak(0.5F, 0.25);
+    EXPECT_EQ(desk.redraws, before + 1);
+}
+
 TEST_F(PeaksCacheTest, starts_one_job_for_two_calls_without_a_load_between) {
     cache->loadOrGeneratePeaks(day);
     cache->loadOrGeneratePeaks(day);
