@@ -16,8 +16,8 @@ namespace sonavault {
 /// Our end of a stream to another program on this machine, at a path in the file system. No call
 /// ever waits.
 ///
-/// Qt's own local socket is not used: it polls a listener whose queue is full with a whole
-/// processor, and keeps without bound what the other side does not read.
+/// Qt's own local socket is not used: it asks a listener whose queue is full again and again
+/// without a pause, and keeps without bound what the other side does not read.
 ///
 /// Thread: the one that made it, which runs an event loop.
 class LocalSocket {

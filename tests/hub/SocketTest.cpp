@@ -297,6 +297,36 @@ TEST_F(HubSocketTest, reads_no_faster_than_its_callbacks_run_and_loses_nothing) 
     EXPECT_TRUE(std::is_sorted(heard.begin(), heard.end()));
 }
 
+TEST_F(HubSocketTest, takes_a_flood_of_lines_and_answers_the_last) {
+    constexpr int kLines = 100'000;
+    QLocalServer server;
+    const QString path = QString::fromStdString(folder_ / "lines.sock");
+    ASSERT_TRUE(server.listen(path));
+    const auto client = makeClient(path.toStdString());
+    int heard = 0;
+    client->subscribe("t", [&](const SwitchboardMessage&) { ++heard; });
+    client->connect("Sonavault", &callbacks_);
+    ASSERT_TRUE(server.waitForNewConnection(20'000));
+    const std::unique_ptr<QLocalSocket> hub(server.nextPendingConnection());
+    QByteArray lines;
+    for (int n = 0; n < kLines; ++n)
+        lines += n % 2 == 0 ? R"({"type":"notify","from":"A","topic":"t"})"
+                              "\n"
+                            : R"({"type":"notify","from":"A","topic":"other"})"
+                              "\n";
+    hub->write(lines + R"({"type":"ping","from":"A","id":"last"})"
+                       "\n");
+    QByteArray said;
+    EXPECT_TRUE(eventually([&] {
+        callbacks_.runAll();
+        hub->waitForReadyRead(1);
+        said += hub->readAll();
+        return said.contains(R"("ref":"last")");
+    }));
+    callbacks_.runAll();
+    EXPECT_EQ(heard, kLines / 2);
+}
+
 TEST_F(HubSocketTest, can_go_away_in_the_midst_of_everything) {
     HubThread hub;
     for (int round = 0; round < 100; ++round) {
