@@ -10,7 +10,7 @@ SonavaultViewController::SonavaultViewController(ShellServices services)
       desk_(std::make_shared<RecorderDesk>()),
       review_(services_, *rootView_, [this] { return recorder_.get(); }),
       station_(services_.hub, services_.recorder.clock, services_.recorder.log,
-               services_.preferences, stationFacts()) {
+               services_.preferences, services_.recorder.makeMainTimer(), stationFacts()) {
     desk_->onStatusText = [this](const std::string& text) { setStatusBarText(text); };
     desk_->onAlert = [this](const std::string& message, const std::string& information) {
         showWarning(message, information);
@@ -84,9 +84,10 @@ void SonavaultViewController::startDisplayLoop() {
 void SonavaultViewController::tickDisplay() {
     tryOwedRecording();
     showRecordingStatus();
-    review_.days().liveRefreshTodayRowIfDue(now());
+    const double moment = now();
+    review_.days().liveRefreshTodayRowIfDue(moment);
     station_.detectAndPublishRecordingStateTransition();
-    station_.publishCurrentRecordingStateIfDue(now());
+    station_.publishCurrentRecordingStateIfDue(moment);
 }
 
 void SonavaultViewController::tryOwedRecording() {

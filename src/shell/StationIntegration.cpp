@@ -1,5 +1,7 @@
 #include "shell/StationIntegration.h"
 
+#include <algorithm>
+
 #include "platform/LocalTime.h"
 #include "recorder/SVQualityLevel.h"
 #include "store/RecordingModel.h"
@@ -10,6 +12,13 @@ namespace sonavault {
 
 namespace {
 
+/// What others wrote must not pass for lines of our own in the log.
+std::string onOneLine(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
+    return text;
+}
+
 QString qString(const std::string& text) {
     return QString::fromStdString(text);
 }
@@ -17,26 +26,33 @@ QString qString(const std::string& text) {
 }  // namespace
 
 StationIntegration::StationIntegration(StationHub& hub, const Clock& clock, Log& log,
-                                       const Preferences& preferences, Facts facts)
-    : hub_(hub), clock_(clock), log_(log), preferences_(preferences), facts_(std::move(facts)) {
-    switchboardHeartbeatTimer_.setTimerType(Qt::PreciseTimer);
-    switchboardHeartbeatTimer_.setInterval(
-        static_cast<int>(kSwitchboardHeartbeatIntervalSec * 1000));
-    QObject::connect(&switchboardHeartbeatTimer_, &QTimer::timeout, &switchboardHeartbeatTimer_,
-                     [this] { publishSwitchboardHeartbeat(); });
-}
+                                       const Preferences& preferences,
+                                       std::unique_ptr<MainTimer> timer, Facts facts)
+    : hub_(hub),
+      clock_(clock),
+      log_(log),
+      preferences_(preferences),
+      facts_(std::move(facts)),
+      switchboardHeartbeatTimer_(std::move(timer)) {}
 
 void StationIntegration::startSwitchboard() {
     if (switchboardConnectStarted_) return;
     switchboardConnectStarted_ = true;
     hub_.join(kSwitchboardAppName, lifetime_.guard([this](const std::string& state) {
-        log_.line("Sonavault Switchboard: state = " + state);
+        log_.line("Sonavault Switchboard: state = " + onOneLine(state));
     }));
     hub_.subscribe(kSwitchboardTopicCadenzoPlaybackState,
                    lifetime_.guard([this](const QJsonObject& payload) {
                        handleCadenzoPlaybackStateChanged(payload);
                    }));
-    switchboardHeartbeatTimer_.start();
+    beat();
+}
+
+void StationIntegration::beat() {
+    using std::chrono::milliseconds;
+    switchboardHeartbeatTimer_->start(
+        milliseconds(static_cast<int>(kSwitchboardHeartbeatIntervalSec * 1000)),
+        [this] { beat(); });
     publishSwitchboardHeartbeat();
 }
 
@@ -120,8 +136,8 @@ void StationIntegration::handleCadenzoPlaybackStateChanged(const QJsonObject& pa
         return;
     }
     const std::string at = event->at.value_or(isoNowString());
-    log_.line("Sonavault Switchboard: cadenzo.playback-state-changed state=" + event->state +
-              " cause=" + event->cause + " at=" + at);
+    log_.line(onOneLine("Sonavault Switchboard: cadenzo.playback-state-changed state=" +
+                        event->state + " cause=" + event->cause + " at=" + at));
     SVRecorder* recorder = facts_.recorder();
     if (!recorder || !facts_.isRecording()) return;
     recorder->appendSyntheticMarker(clockTimeOf(at), event->markerType, event->markerLabel);

@@ -1,14 +1,15 @@
 #pragma once
 
-#include <QTimer>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
 #include "platform/Clock.h"
 #include "platform/Executor.h"
 #include "platform/Log.h"
+#include "platform/MainTimer.h"
 #include "platform/Preferences.h"
 #include "recorder/SVRecorder.h"
 #include "shell/PlaybackEvent.h"
@@ -26,6 +27,10 @@ inline constexpr auto kSwitchboardTopicAircheckSaved = "sonavault.aircheck-saved
 inline constexpr auto kSwitchboardTopicCadenzoPlaybackState = "cadenzo.playback-state-changed";
 inline constexpr auto kSwitchboardStateKeyHeartbeat = "sonavault.heartbeat";
 inline constexpr auto kSwitchboardStateKeyCurrentRecording = "sonavault.current-recording";
+
+// Reserved: nothing is published on these.
+inline constexpr auto kSwitchboardTopicHeartbeat = "sonavault.heartbeat";
+inline constexpr auto kSwitchboardTopicCurrentRecording = "sonavault.current-recording";
 
 /// A compiled aircheck, as the station hears of it.
 struct SavedAircheck {
@@ -55,7 +60,8 @@ class StationIntegration {
 
     /// All outlive this object.
     StationIntegration(StationHub& hub, const Clock& clock, Log& log,
-                       const Preferences& preferences, Facts facts);
+                       const Preferences& preferences, std::unique_ptr<MainTimer> timer,
+                       Facts facts);
 
     /// Joins the hub and begins the heartbeat; once per process.
     void startSwitchboard();
@@ -78,6 +84,7 @@ class StationIntegration {
     void handleCadenzoPlaybackStateChanged(const QJsonObject& payload);
 
   private:
+    void beat();
     std::string isoNowString() const;
     std::string today() const;
     void publishRecordingStateChanged(const RecordingTransition& transition);
@@ -91,7 +98,7 @@ class StationIntegration {
     RecordingTransitions transitions_;
     bool switchboardConnectStarted_ = false;
     double lastSwitchboardCurrentRecPub_ = 0;  // seconds since 1970
-    QTimer switchboardHeartbeatTimer_;
+    std::unique_ptr<MainTimer> switchboardHeartbeatTimer_;
     Lifetime lifetime_;
 };
 

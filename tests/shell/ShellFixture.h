@@ -86,6 +86,7 @@ class RecordedHub final : public StationHub {
     }
     void subscribe(const std::string& topic,
                    std::function<void(const QJsonObject&)> handler) override {
+        ++subscribed;
         subscriptions[topic] = std::move(handler);
     }
     void notify(const std::string& topic, const QJsonObject& payload) override {
@@ -97,6 +98,7 @@ class RecordedHub final : public StationHub {
     }
 
     std::vector<std::string> joinedAs;
+    int subscribed = 0;
     std::function<void(const std::string&)> tellState;
     std::map<std::string, std::function<void(const QJsonObject&)>> subscriptions;
     std::vector<Said> notified;

