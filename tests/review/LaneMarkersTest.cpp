@@ -59,14 +59,14 @@ TEST(LaneMarkers, finds_what_a_look_at_every_marker_finds_at_every_zoom) {
 }
 
 TEST(LaneMarkers, points_at_what_a_look_at_every_marker_points_at) {
-    const auto markers = wildDay(3000, 2);
+    const auto markers = wildDay(1000, 2);
     const LaneMarkers lanes(markers);
     std::mt19937 random(3);
-    std::uniform_real_distribution<double> x(0, 24000);
+    std::uniform_real_distribution<double> x(0, 6000);
     std::uniform_real_distribution<double> y(0, 100);
-    const Size size{24000, 100};
+    const Size size{6000, 100};
     int hits = 0;
-    for (int i = 0; i < 4000; ++i) {
+    for (int i = 0; i < 1500; ++i) {
         const Lane lane = kLanes.at(static_cast<std::size_t>(i) % kLanes.size());
         const Point point{x(random), y(random)};
         const Marker* uppermost = nullptr;
@@ -75,7 +75,7 @@ TEST(LaneMarkers, points_at_what_a_look_at_every_marker_points_at) {
         ASSERT_EQ(lanes.at(lane, size, point), uppermost);
         hits += uppermost != nullptr;
     }
-    EXPECT_GT(hits, 100);
+    EXPECT_GT(hits, 20);
 }
 
 TEST(LaneMarkers, what_stands_later_in_the_list_lies_on_top) {
