@@ -21,6 +21,7 @@ std::vector<Marker> busyDay() {
     constexpr std::array kTypes{"vt_start", "hour",    "vt_end", "break", "mic_start",
                                 "custom",   "mic_end", "vt",     "eas",   "mic"};
     std::vector<Marker> markers;
+    markers.reserve(kMarkers);
     for (int i = 0; i < kMarkers; ++i)
         markers.push_back({.type = kTypes.at(static_cast<std::size_t>(i) % kTypes.size()),
                            .timeSec = i * kSecondsInDay / kMarkers,
@@ -34,6 +35,7 @@ std::vector<Marker> busyDay() {
 std::vector<Marker> dayUnderOneBreak() {
     std::vector<Marker> markers{
         {.type = "break", .timeSec = 0, .label = "All day", .durationSec = kSecondsInDay}};
+    markers.reserve(kMarkers);
     for (int i = 1; i < kMarkers; ++i)
         markers.push_back({.type = "break", .timeSec = i * 0.1, .durationSec = 0.01});
     return markers;

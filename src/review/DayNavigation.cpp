@@ -6,15 +6,16 @@ namespace sonavault {
 
 std::optional<DaySeconds> markerFrom(const std::vector<Marker>& markers, DaySeconds playhead,
                                      int direction) {
-    std::optional<DaySeconds> nearest;
+    std::optional<double> nearest;
     for (const Marker& each : markers) {
-        const DaySeconds time{each.timeSec};
-        const bool candidate = direction > 0 ? time.value > playhead.value + kMarkerDeadZoneSec
-                                             : time.value < playhead.value - kMarkerDeadZoneSec;
+        const double time = each.timeSec;
+        const bool candidate = direction > 0 ? time > playhead.value + kMarkerDeadZoneSec
+                                             : time < playhead.value - kMarkerDeadZoneSec;
         if (candidate && (!nearest || (direction > 0 ? time < *nearest : time > *nearest)))
             nearest = time;
     }
-    return nearest;
+    if (!nearest) return std::nullopt;
+    return DaySeconds{*nearest};
 }
 
 DaySeconds hourFrom(DaySeconds playhead, int delta) {

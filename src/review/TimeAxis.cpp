@@ -62,7 +62,9 @@ std::vector<AxisTick> timeAxisTicks(double zoomMult, Size size, double labelWidt
     std::vector<AxisTick> ticks;
     // From the first tick on, also where only the evening is exposed: whether a label has room
     // depends on the one before it, and scrolling must not change which are shown.
-    for (double t = 0; t <= kSecondsInDay; t += step) {
+    const int count = static_cast<int>(kSecondsInDay / step);
+    for (int i = 0; i <= count; ++i) {
+        const double t = i * step;
         const double x = xAt({t}, size.width);
         if (x > size.width || x > exposed.right) break;
         const double labelX = x + kFromTickToLabel;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <numeric>
 #include <optional>
 
@@ -39,13 +40,14 @@ float meanOf(const std::vector<float>& rms, const Buckets& buckets) {
 
 /// The first column, and the one after the last.
 struct Columns {
-    double first;
-    double end;
+    std::int64_t first;
+    std::int64_t end;
 };
 
 Columns columnsIn(Extent exposed, double trackW) {
-    const double first = std::floor(std::max(0.0, exposed.left));
-    return {first, std::ceil(std::max(first, std::min(exposed.right, trackW)))};
+    const double first = std::floor(std::clamp(exposed.left, 0.0, trackW));
+    const double end = std::ceil(std::max(first, std::min(exposed.right, trackW)));
+    return {static_cast<std::int64_t>(first), static_cast<std::int64_t>(end)};
 }
 
 }  // namespace
@@ -69,13 +71,14 @@ std::vector<WaveformColumn> waveformColumns(const PeaksData& peaks, const Wavefo
     const double maxH = track.height / 2 - kMargin;
     const double secPerPx = kSecondsInDay / track.trackW;
     const auto [first, end] = columnsIn(exposed, track.trackW);
-    for (double column = first; column < end; ++column) {
-        const double from = column * secPerPx;
+    for (std::int64_t column = first; column < end; ++column) {
+        const auto x = static_cast<double>(column);
+        const double from = x * secPerPx;
         const auto buckets = bucketsUnder(peaks, inFile({from}, track.currentRecordingOffset),
                                           inFile({from + secPerPx}, track.currentRecordingOffset));
         if (!buckets) continue;
         const double halfHeight = static_cast<double>(meanOf(peaks.rms, *buckets)) / loudest * maxH;
-        if (halfHeight > kLeastHalfHeight) columns.push_back({column, halfHeight});
+        if (halfHeight > kLeastHalfHeight) columns.push_back({x, halfHeight});
     }
     return columns;
 }
