@@ -11,19 +11,23 @@ namespace {
 constexpr auto kHeaderBytes = static_cast<std::int64_t>(kMp3HeaderBytes);
 constexpr double kNever = std::numeric_limits<double>::infinity();
 
-// The bits of a header that decide over a frame's duration and size, but for the padding: the
-// second byte without the bit for a checksum, and the third without padding and the private bit.
-constexpr unsigned kKindOfSecond = 0xFEU;
-constexpr unsigned kKindOfThird = 0xFCU;
-
-bool isOfKind(const std::uint8_t* frame, const std::uint8_t* first) {
-    return frame[0] == 0xFF && ((frame[1] ^ first[1]) & kKindOfSecond) == 0 &&
-           ((frame[2] ^ first[2]) & kKindOfThird) == 0;
+/// A frame's first four bytes in one number, in this machine's order.
+std::uint32_t wordAt(const std::uint8_t* bytes) {
+    std::uint32_t word = 0;
+    std::memcpy(&word, bytes, sizeof word);
+    return word;
 }
 
-int paddingOf(const std::uint8_t* frame) {
-    return (frame[2] >> 1U) & 1;
-}
+/// The bits of a header that decide over the frame's size and duration: all of the first three
+/// bytes but for the sign of a checksum and the private bit.
+const std::uint32_t kSizeMask = [] {
+    constexpr std::uint8_t kBits[] = {0xFF, 0xFE, 0xFE, 0x00};
+    return wordAt(kBits);
+}();
+const std::uint32_t kPaddingMask = [] {
+    constexpr std::uint8_t kBits[] = {0x00, 0x00, 0x02, 0x00};
+    return wordAt(kBits);
+}();
 
 /// The first place in [from, to) where a Layer III header may begin, judged by the sync and the
 /// layer alone; else `to`. The byte behind each place in the range can be read.
@@ -87,10 +91,11 @@ bool Mp3FrameWalk::walkOn(std::int64_t bytes) {
     const double timeBefore = time_;
     const std::int64_t stop = std::min(at_ + bytes, end_);
     while (at_ < stop && closed_ < spans_.size()) {
+        const std::int64_t before = at_;
         const auto frame = parseMP3FrameAt(file_, at_);
         if (frame) {
-            passFrame(*frame);
-            followFrames(stop);
+            followFrames(*frame, stop);
+            if (at_ == before) passFrame(*frame);
             continue;
         }
         // The last place of all has no byte behind it, and no header either.
@@ -103,23 +108,29 @@ bool Mp3FrameWalk::walkOn(std::int64_t bytes) {
     return !isDone();
 }
 
-/// Passes frames of one kind, up to the first at which a span begins or ends.
-void Mp3FrameWalk::followFrames(std::int64_t stop) {
-    const auto info = parseMP3FrameAt(file_, at_);
-    if (!info) return;
+/// Passes frames that are alike but for their padding, up to the first at which a span begins or
+/// ends.
+void Mp3FrameWalk::followFrames(const MP3FrameInfo& frame, std::int64_t stop) {
     const std::uint8_t* const data = file_.data();
-    const std::uint8_t* const first = data + at_;
     const std::int64_t last =
         std::min(stop, static_cast<std::int64_t>(file_.size()) - kHeaderBytes + 1);
-    const std::int64_t sizes[2] = {info->frameSize - paddingOf(first),
-                                   info->frameSize - paddingOf(first) + 1};
+    std::uint32_t wanted = wordAt(data + at_) & kSizeMask;
+    std::int64_t size = frame.frameSize;
     std::int64_t at = at_;
     double time = time_;
-    while (at < last && isOfKind(data + at, first)) {
-        const double frameEnd = time + info->durationSec;
+    while (at < last) {
+        const std::uint32_t word = wordAt(data + at) & kSizeMask;
+        if (word != wanted) {
+            if ((word ^ wanted) != kPaddingMask) break;
+            size += (word & kPaddingMask) != 0 ? 1 : -1;
+            wanted = word;
+        }
+        const double frameEnd = time + frame.durationSec;
         if (frameEnd > nextLow_ || time >= nextHigh_) break;
         time = frameEnd;
-        at += sizes[paddingOf(data + at)];
+        // Taken from the frames before, and not from this one's padding, so that the processor
+        // need not wait for one header to know where the next one is.
+        at += size;
     }
     time_ = time;
     at_ = at;

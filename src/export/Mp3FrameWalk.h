@@ -79,7 +79,7 @@ class Mp3FrameWalk {
     std::vector<ByteRange> found() const;
 
   private:
-    void followFrames(std::int64_t stop);
+    void followFrames(const MP3FrameInfo& frame, std::int64_t stop);
     void passFrame(const MP3FrameInfo& frame);
     void noteSpansAt(double frameEnd);
     bool isDone() const { return at_ >= end_ || closed_ == spans_.size(); }
