@@ -198,7 +198,10 @@ TEST_F(AircheckScheduleTest, has_no_cards_when_none_are_stored_or_they_cannot_be
     cards_ = {nightShow()};
     schedule_.saveScheduledAirchecks();
     EXPECT_EQ(schedule_.loadScheduledAirchecks(), cards_);
-    EXPECT_TRUE(readFile(home_ / "sonavault.conf").starts_with("[General]\nSVScheduledAirchecks"));
+    EXPECT_TRUE(readFile(home_ / "sonavault.conf")
+                    .starts_with("[General]\nSVScheduledAirchecks=\"@ByteArray([{\\\"active\\\":"
+                                 "true,\\\"daysOfWeek\\\":[1,2,3,4,5,6,7],"))
+        << readFile(home_ / "sonavault.conf");
 }
 
 }  // namespace
