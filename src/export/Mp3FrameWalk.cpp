@@ -65,14 +65,15 @@ std::vector<FileSpan> mergedSpans(std::span<const Selection> selections, DaySeco
     for (const auto& selection : selections) {
         const FileSpan span{.low = inFile({selection.lowSec()}, startOffset),
                             .high = inFile({selection.highSec()}, startOffset)};
-        if (span.high > span.low) spans.push_back(span);
+        if (span.high.value > span.low.value) spans.push_back(span);
     }
-    std::sort(spans.begin(), spans.end(),
-              [](const FileSpan& one, const FileSpan& other) { return one.low < other.low; });
+    std::sort(spans.begin(), spans.end(), [](const FileSpan& one, const FileSpan& other) {
+        return one.low.value < other.low.value;
+    });
     std::vector<FileSpan> merged;
     for (const auto& span : spans) {
-        if (!merged.empty() && merged.back().high >= span.low)
-            merged.back().high = std::max(merged.back().high, span.high);
+        if (!merged.empty() && merged.back().high.value >= span.low.value)
+            merged.back().high.value = std::max(merged.back().high.value, span.high.value);
         else
             merged.push_back(span);
     }
