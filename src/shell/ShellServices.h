@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <functional>
 
+#include "platform/AudioOutput.h"
 #include "platform/Preferences.h"
 #include "recorder/SVRecorder.h"
 #include "shell/Alerts.h"
@@ -33,6 +34,7 @@ struct ShellServices {
     RecorderServices recorder;
     Preferences& preferences;  ///< the standard domain
     Alerts& alerts;
+    AudioOutput& audioOutput;
     std::filesystem::path cacheFolder;  ///< for what can be made anew
 
     /// Hands a file to the program with which the person's desktop opens it; false when there is

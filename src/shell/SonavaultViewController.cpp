@@ -30,6 +30,7 @@ SonavaultViewController::~SonavaultViewController() {
 void SonavaultViewController::afterWindowReady() {
     showRecordingStatus();
     review_.renderDateList();
+    review_.playback().setupAudioEngine();
     putDaysRight();
     makeRecorder();
     recorder_->applySourceMode(sourceMode());
@@ -69,6 +70,7 @@ void SonavaultViewController::startDisplayLoop() {
 // The tick
 
 void SonavaultViewController::tickDisplay() {
+    review_.playback().advancePlayhead();
     tryOwedRecording();
     showRecordingStatus();
     review_.days().liveRefreshTodayRowIfDue(now());
