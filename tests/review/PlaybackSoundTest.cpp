@@ -11,9 +11,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/CubebAudioInput.h"
 #include "platform/CubebOutput.h"
-#include "platform/Listener.h"
 #include "review/ReviewFixture.h"
 #include "support/Ffmpeg.h"
 #include "support/PrivateSoundServer.h"
@@ -24,7 +22,6 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int kRate = 16000;
-constexpr AudioFormat kHeardAs{kRate, 2, true};
 constexpr int kBlockFrames = 1600;
 constexpr double kOffset = 23415;
 
@@ -46,9 +43,8 @@ class PlaybackSoundTest : public ReviewFixture {
 
     void beginListening(double fileSeconds) {
         sound_.start();
-        input_.installTap(kBlockFrames, kHeardAs, listener_.tap());
-        ASSERT_TRUE(input_.start());
-        ASSERT_TRUE(listener_.awaitBlocks(2, 15s));
+        sound_.listenTo();
+        ASSERT_TRUE(awaitFrames(1)) << sound_.output();
         playback_->setupAudioEngine();
         const auto file = fileOf("2026-05-07");
         std::filesystem::create_directories(file.parent_path());
@@ -69,10 +65,21 @@ class PlaybackSoundTest : public ReviewFixture {
     }
 
     std::vector<float> heard(std::size_t side) const {
+        const auto all = sound_.heard();
         std::vector<float> samples;
-        for (const auto& block : listener_.blocks())
-            samples.insert(samples.end(), block.channels[side].begin(), block.channels[side].end());
+        for (std::size_t i = side; i < all.size(); i += 2) samples.push_back(all[i]);
         return samples;
+    }
+
+    /// Whether so many frames more are heard in time.
+    bool awaitFrames(std::size_t frames, std::chrono::seconds patience = 60s) const {
+        const auto enough = heard(0).size() + frames;
+        const auto giveUp = std::chrono::steady_clock::now() + patience;
+        while (heard(0).size() < enough) {
+            if (std::chrono::steady_clock::now() > giveUp) return false;
+            std::this_thread::sleep_for(20ms);
+        }
+        return true;
     }
 
     static std::size_t firstAudible(const std::vector<float>& samples) {
@@ -91,8 +98,6 @@ class PlaybackSoundTest : public ReviewFixture {
 
     PrivateSoundServer sound_{PrivateSoundServer::Devices{kRate, 2, true}};
     SystemClock systemClock_;
-    Listener listener_;
-    CubebAudioInput input_;
     std::unique_ptr<CubebOutput> output_;
     std::unique_ptr<Playback> playback_;
 };
@@ -101,19 +106,8 @@ TEST_F(PlaybackSoundTest, is_the_decoded_day_at_its_place_and_level_without_a_dr
     constexpr double kFrom = 5.25;
     constexpr double kListened = 20;
     beginListening(30);
-    const auto begun = std::chrono::steady_clock::now();
     playback_->startPlayback({kOffset + kFrom});
-    const auto isAudible = [](const auto& blocks) {
-        return firstAudible(blocks.back().channels[0]) < kBlockFrames;
-    };
-    ASSERT_TRUE(listener_.await(isAudible, 15s)) << sound_.output();
-    std::cout << "heard "
-              << std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count()
-              << " s after Play, recorded in blocks of 0.1 s\n";
-    const auto blocks = listener_.blocks().size();
-    ASSERT_TRUE(listener_.awaitBlocks(
-        blocks + static_cast<std::size_t>(kListened * kRate / kBlockFrames), 60s));
-
+    ASSERT_TRUE(awaitFrames(static_cast<std::size_t>((kListened + 2) * kRate)));
     const auto expected = decodedFrom(kFrom, kListened);
     for (const std::size_t side : {0U, 1U}) {
         const auto samples = heard(side);
@@ -130,22 +124,21 @@ TEST_F(PlaybackSoundTest, is_the_decoded_day_at_its_place_and_level_without_a_dr
 TEST_F(PlaybackSoundTest, is_back_at_the_playhead_after_the_server_died_in_mid_play) {
     beginListening(60);
     playback_->startPlayback({kOffset});
-    ASSERT_TRUE(listener_.awaitBlocks(listener_.blocks().size() + 20, 30s));
+    ASSERT_TRUE(awaitFrames(2 * kRate));
     playback_->advancePlayhead();
     sound_.kill();
-    ASSERT_FALSE(listener_.awaitBlocks(static_cast<std::size_t>(-1), 3s)) << "an outage of 3 s";
+    ASSERT_FALSE(awaitFrames(1, 3s)) << "an outage of 3 s";
     sound_.start();
+    sound_.listenTo();
 
     const auto all = decodedFrom(0, 60);
     const auto giveUp = std::chrono::steady_clock::now() + 15s;
     double lateBy = 1e9;
     while (std::abs(lateBy) > 0.5 && std::chrono::steady_clock::now() < giveUp) {
-        listener_.clear();
-        listener_.awaitBlocks(1, 500ms);
+        awaitFrames(kBlockFrames, 1s);
         playback_->advancePlayhead();
-        const auto blocks = listener_.blocks();
-        if (blocks.empty()) continue;
-        const auto& block = blocks.back().channels[0];
+        const auto samples = heard(0);
+        const std::vector<float> block(samples.end() - kBlockFrames, samples.end());
         if (firstAudible(block) == block.size()) continue;
         const auto place = placeOf(block, all);
         if (place < 0) continue;
