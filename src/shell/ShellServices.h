@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <functional>
 
+#include "platform/AudioOutput.h"
 #include "platform/Preferences.h"
 #include "recorder/SVRecorder.h"
 #include "shell/Alerts.h"
@@ -34,6 +35,7 @@ struct ShellServices {
     RecorderServices recorder;
     Preferences& preferences;  ///< the standard domain
     Alerts& alerts;
+    AudioOutput& audioOutput;
     std::filesystem::path cacheFolder;  ///< for what can be made anew
     StationHub& hub;
 

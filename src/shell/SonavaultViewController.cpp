@@ -32,6 +32,7 @@ SonavaultViewController::~SonavaultViewController() {
 void SonavaultViewController::afterWindowReady() {
     showRecordingStatus();
     review_.renderDateList();
+    review_.playback().setupAudioEngine();
     putDaysRight();
     makeRecorder();
     recorder_->applySourceMode(sourceMode());
@@ -82,6 +83,7 @@ void SonavaultViewController::startDisplayLoop() {
 // The tick
 
 void SonavaultViewController::tickDisplay() {
+    review_.playback().advancePlayhead();
     tryOwedRecording();
     showRecordingStatus();
     const double moment = now();

@@ -35,9 +35,10 @@ class SonavaultViewController {
     /// The window's content. Owns: this object, also while a window shows it.
     KeyResponderView& rootView() { return *rootView_; }
 
-    /// Called once when the window is on the screen: puts right what a crash has left in the
-    /// recordings folder, lists the days and loads one, makes the recorder, gives it the chosen
-    /// source, begins recording if that is wanted at launch, starts the tick and joins the hub.
+    /// Called once when the window is on the screen: opens the loudspeakers, puts right what a
+    /// crash has left in the recordings folder, lists the days and loads one, makes the recorder,
+    /// gives it the chosen source, begins recording if that is wanted at launch, starts the tick
+    /// and joins the hub.
     void afterWindowReady();
 
     /// The source last chosen, as the preferences have it; the line input without a known one.

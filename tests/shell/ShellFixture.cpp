@@ -37,6 +37,7 @@ ShellServices ShellFixture::services() {
                      .makeMainTimer = [this] { return timers_.make(); }},
         .preferences = preferences_,
         .alerts = alerts_,
+        .audioOutput = output_,
         .cacheFolder = temp_ / "cache",
         .hub = hub_,
         .openFile =

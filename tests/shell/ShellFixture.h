@@ -58,6 +58,20 @@ class SwitchedLineInput final : public AudioInput {
     bool running_ = false;
 };
 
+/// Loudspeakers that nobody hears, with a sound server that comes and goes as the test likes.
+class SilentOutput final : public AudioOutput {
+  public:
+    Outcome start() override {
+        return works ? Outcome(Done{}) : Outcome::failure("there is no sound server");
+    }
+    void play(std::shared_ptr<AudioOutputSound> sound) override { playing = std::move(sound); }
+    void stop() override { playing.reset(); }
+    AudioOutputLevels levels() const override { return {}; }
+
+    bool works = true;
+    std::shared_ptr<AudioOutputSound> playing;
+};
+
 /// A link whose sender is the test.
 class ScriptedAudioLink final : public AudioLink {
   public:
@@ -165,6 +179,7 @@ class ShellFixture : public ::testing::Test {
     const StationFolder station_{temp_ / "home", Preferences(temp_ / "shared.conf")};
     DiskFlusher flusher_;
     SwitchedLineInput input_;
+    SilentOutput output_;
     RecordedAlerts alerts_;
     RecordedHub hub_;
     std::vector<std::filesystem::path> opened_;
