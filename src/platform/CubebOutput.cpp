@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "platform/CubebOutputStream.h"
-#include "platform/CubebThread.h"
+#include "platform/ThisThread.h"
 
 namespace sonavault {
 

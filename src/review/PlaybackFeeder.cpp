@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/BackgroundJob.h"
+#include "platform/ThisThread.h"
 
 namespace sonavault {
 
