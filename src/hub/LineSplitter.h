@@ -13,7 +13,7 @@ class LineSplitter {
   public:
     /// Beyond this a line is thrown away up to its line feed, so that a sender that never ends a
     /// line can't fill the memory. Far above any line that means something. Units: bytes
-    static constexpr std::size_t kMostBytesOfALine = 33'554'432;
+    static constexpr std::size_t kMostBytesOfALine = 8'388'608;
 
     explicit LineSplitter(std::size_t mostBytesOfALine = kMostBytesOfALine)
         : mostBytesOfALine_(mostBytesOfALine) {}

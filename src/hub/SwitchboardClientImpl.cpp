@@ -27,7 +27,12 @@ SwitchboardClientImpl::SwitchboardClientImpl(Services services)
 
 // Callbacks on the client's own queue run to their end, and may still have asked for something.
 SwitchboardClientImpl::~SwitchboardClientImpl() {
-    network_->runAndWait([this] { letGo(); });
+    network_->runAndWait([this] {
+        letGo();
+        // What the old connection may still say must not look for a queue that is gone.
+        const std::scoped_lock lock(stateLock_);
+        callbackQueue_ = nullptr;
+    });
     ownCallbackQueue_.reset();
     network_->runAndWait([this] { letGo(); });
     network_.reset();

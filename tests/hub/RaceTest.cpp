@@ -133,8 +133,9 @@ TEST_F(HubRaceTest, brings_each_subscription_to_the_hub_when_subscribe_and_recon
                                   [&heard, i](const SwitchboardMessage&) { heard[i] = true; });
         });
         client_.connect("Sonavault", &callbacks_);
-        if (round % 3 == 0)
-            eventually([&] { return client_.currentState().is<State::Connected>(); });
+        if (round % 3 == 0) {
+            EXPECT_TRUE(eventually([&] { return client_.currentState().is<State::Connected>(); }));
+        }
         subscriber.join();
     }
     for (std::size_t i = 0; i < heard.size(); ++i) {
@@ -170,7 +171,7 @@ TEST_F(HubRaceTest, stands_calls_from_everywhere_while_the_hub_comes_and_goes) {
     for (int round = 0; round < 40; ++round) {
         hub_.obey("drop");
         client_.connect("Sonavault", &callbacks_);
-        eventually([&] { return client_.currentState().is<State::Connected>(); });
+        EXPECT_TRUE(eventually([&] { return client_.currentState().is<State::Connected>(); }));
     }
     done = true;
     for (auto& caller : callers) caller.join();
