@@ -32,10 +32,9 @@ bool writeAll(int descriptor, std::string_view bytes) {
     return true;
 }
 
-/// 0, or the number of the error that kept `bytes` from becoming the content of the new file
-/// `temporary`.
-int fill(int descriptor, std::string_view bytes) {
-    const int writing = writeAll(descriptor, bytes) ? 0 : errno;
+/// 0, or the number of the error that kept the new file behind `descriptor` from being filled.
+int fillAndClose(int descriptor, const FillFile& fill) {
+    const int writing = fill(descriptor);
     // Some file systems report a full disk only here.
     const int closing = ::close(descriptor) == 0 ? 0 : errno;
     return writing ? writing : closing;
@@ -44,6 +43,11 @@ int fill(int descriptor, std::string_view bytes) {
 }  // namespace
 
 Outcome writeFileAtomically(const std::filesystem::path& file, std::string_view bytes) {
+    return writeFileAtomically(
+        file, [bytes](int descriptor) { return writeAll(descriptor, bytes) ? 0 : errno; });
+}
+
+Outcome writeFileAtomically(const std::filesystem::path& file, const FillFile& fill) {
     std::filesystem::path temporary;
     int descriptor = -1;
     do {
@@ -53,7 +57,7 @@ Outcome writeFileAtomically(const std::filesystem::path& file, std::string_view 
     } while (descriptor < 0 && (errno == EEXIST || errno == EINTR));
     if (descriptor < 0) return Outcome::failure(systemWords(errno));
 
-    int error = fill(descriptor, bytes);
+    int error = fillAndClose(descriptor, fill);
     if (!error && std::rename(temporary.c_str(), file.c_str()) != 0) error = errno;
     if (!error) return Done{};
     ::unlink(temporary.c_str());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string_view>
 
 #include "platform/Result.h"
@@ -14,5 +15,12 @@ namespace sonavault {
 ///
 /// Thread: any. Errors: words.
 Outcome writeFileAtomically(const std::filesystem::path& file, std::string_view bytes);
+
+/// Writes a file's content to an open descriptor, from its beginning. Gives 0, or the system's
+/// number of the error that kept it from doing so.
+using FillFile = std::function<int(int descriptor)>;
+
+/// The same for content that is not in memory.
+Outcome writeFileAtomically(const std::filesystem::path& file, const FillFile& fill);
 
 }  // namespace sonavault

@@ -1,29 +1,17 @@
 #include "platform/BackgroundJob.h"
 
-#include <pthread.h>
-#include <sys/resource.h>
-
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
 
+#include "platform/ThisThread.h"
+
 namespace sonavault {
 namespace {
 
-constexpr std::size_t kLongestThreadName = 15;
-constexpr int kNice = 10;
 constexpr std::chrono::seconds kPatience(1);
 
 }  // namespace
-
-void nameThisThread(const std::string& name) {
-    pthread_setname_np(pthread_self(), name.substr(0, kLongestThreadName).c_str());
-}
-
-void yieldToOthersOnThisThread() {
-    // Of 0 it is the calling thread alone. Never refused: it only gives up what one has.
-    ::setpriority(PRIO_PROCESS, 0, kNice);
-}
 
 struct BackgroundJob::Ending {
     std::mutex mutex;

@@ -8,12 +8,6 @@
 
 namespace sonavault {
 
-/// What a debugger shows for the calling thread. Range: up to 15 characters are shown.
-void nameThisThread(const std::string& name);
-
-/// Lets every other thread of the program, and the desk's other programs, go first.
-void yieldToOthersOnThisThread();
-
 /// A long piece of work on a thread of its own, which yields to all others.
 ///
 /// Owns: the thread. Destruction asks the work to stop and waits for its end, but no longer than a

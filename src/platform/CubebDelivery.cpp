@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <utility>
 
-#include "platform/CubebThread.h"
+#include "platform/ThisThread.h"
 
 namespace sonavault {
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/CubebThread.h"
+#include "platform/ThisThread.h"
 
 namespace sonavault {
 

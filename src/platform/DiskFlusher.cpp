@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/SharedDescriptor.h"
+#include "platform/ThisThread.h"
 
 namespace sonavault {
 namespace {
@@ -100,7 +101,7 @@ void DiskFlusher::Worker::flush(const std::vector<std::filesystem::path>& names)
 
 DiskFlusher::DiskFlusher(std::chrono::milliseconds interval, DiskSync sync)
     : worker_(std::make_shared<Worker>(interval, std::move(sync))), thread_([worker = worker_] {
-          pthread_setname_np(pthread_self(), "disk-flusher");
+          nameThisThread("disk-flusher");
           worker->run();
       }) {}
 

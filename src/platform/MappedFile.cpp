@@ -28,20 +28,23 @@ struct Descriptor {
 }  // namespace
 
 Result<MappedFile> MappedFile::open(const std::filesystem::path& file, Order order) {
-    using Opened = Result<MappedFile>;
     // Without O_NONBLOCK a pipe under that name would wait for a writer.
     const Descriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    if (descriptor.number < 0) return Opened::failure(systemWords(errno));
+    if (descriptor.number < 0) return Result<MappedFile>::failure(systemWords(errno));
+    return of(descriptor.number, order);
+}
 
+Result<MappedFile> MappedFile::of(int descriptor, Order order) {
+    using Opened = Result<MappedFile>;
     struct stat status {};
-    if (::fstat(descriptor.number, &status) != 0) return Opened::failure(systemWords(errno));
+    if (::fstat(descriptor, &status) != 0) return Opened::failure(systemWords(errno));
     if (S_ISDIR(status.st_mode)) return Opened::failure(systemWords(EISDIR));
     if (!S_ISREG(status.st_mode)) return Opened::failure("Not a plain file");
 
     MappedFile mapped;
     if (status.st_size == 0) return mapped;
     const auto size = static_cast<std::size_t>(status.st_size);
-    void* const address = ::mmap(nullptr, size, PROT_READ, MAP_SHARED, descriptor.number, 0);
+    void* const address = ::mmap(nullptr, size, PROT_READ, MAP_SHARED, descriptor, 0);
     if (address == MAP_FAILED) return Opened::failure(systemWords(errno));
     if (order == Order::frontToBack) ::madvise(address, size, MADV_SEQUENTIAL);
     mapped.data_ = static_cast<const std::uint8_t*>(address);

@@ -27,6 +27,9 @@ class MappedFile {
     /// no error.
     static Result<MappedFile> open(const std::filesystem::path& file, Order order = Order::any);
 
+    /// The same of a file that is open for reading; the descriptor stays the caller's.
+    static Result<MappedFile> of(int descriptor, Order order = Order::any);
+
     MappedFile(MappedFile&& other) noexcept;
     MappedFile& operator=(MappedFile&& other) noexcept;
     ~MappedFile();

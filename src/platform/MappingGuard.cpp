@@ -34,7 +34,7 @@ bool isLookedAfter(std::uintptr_t address) {
 
 extern "C" void putZerosInPlace(int signal, siginfo_t* info, void*) {
     const auto address = reinterpret_cast<std::uintptr_t>(info->si_addr);
-    void* const page = reinterpret_cast<void*>(address / pageBytes * pageBytes);
+    void* const page = static_cast<char*>(info->si_addr) - address % pageBytes;
     const bool mended =
         isLookedAfter(address) &&
         ::mmap(page, pageBytes, PROT_READ, MAP_FIXED | MAP_PRIVATE | MAP_ANONYMOUS, -1, 0) == page;

@@ -19,16 +19,20 @@ QString nameOf(const std::filesystem::path& file) {
 
 // A fresh QSettings looks at the file when it is made: Qt keeps what it read in memory, but reads
 // again when the file's size or time of change is not what it was.
-std::optional<QString> read(const std::filesystem::path& file, const std::string& key) {
+QVariant readAny(const std::filesystem::path& file, const std::string& key) {
     const QSettings settings(nameOf(file), QSettings::IniFormat);
-    const QVariant value = settings.value(QString::fromStdString(key));
+    return settings.value(QString::fromStdString(key));
+}
+
+std::optional<QString> read(const std::filesystem::path& file, const std::string& key) {
+    const QVariant value = readAny(file, key);
     if (value.typeId() != QMetaType::QString) return std::nullopt;
     return value.toString();
 }
 
-// Always as text: in the memory of this process Qt would keep a number a number, and a reader here
-// would see another kind of value than a reader elsewhere.
-void write(const std::filesystem::path& file, const std::string& key, const QString& value) {
+// Always as text or bytes: in the memory of this process Qt would keep a number a number, and a
+// reader here would see another kind of value than a reader elsewhere.
+void write(const std::filesystem::path& file, const std::string& key, const QVariant& value) {
     QSettings settings(nameOf(file), QSettings::IniFormat);
     settings.setValue(QString::fromStdString(key), value);
     settings.sync();
@@ -89,6 +93,12 @@ std::optional<bool> Preferences::boolean(const std::string& key) const {
     return std::nullopt;
 }
 
+std::optional<std::string> Preferences::bytes(const std::string& key) const {
+    const QVariant value = readAny(file_, key);
+    if (value.typeId() != QMetaType::QByteArray) return std::nullopt;
+    return value.toByteArray().toStdString();
+}
+
 void Preferences::setText(const std::string& key, const std::string& value) {
     write(file_, key, QString::fromStdString(value));
 }
@@ -103,6 +113,10 @@ void Preferences::setReal(const std::string& key, double value) {
 
 void Preferences::setBoolean(const std::string& key, bool value) {
     write(file_, key, value ? "true" : "false");
+}
+
+void Preferences::setBytes(const std::string& key, std::string_view value) {
+    write(file_, key, QByteArray(value.data(), static_cast<qsizetype>(value.size())));
 }
 
 std::filesystem::path homeFolder() {

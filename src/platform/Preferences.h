@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace sonavault {
 
@@ -25,11 +26,15 @@ class Preferences {
     std::optional<long long> integer(const std::string& key) const;
     std::optional<double> real(const std::string& key) const;
     std::optional<bool> boolean(const std::string& key) const;
+    std::optional<std::string> bytes(const std::string& key) const;
 
     void setText(const std::string& key, const std::string& value);
     void setInteger(const std::string& key, long long value);
     void setReal(const std::string& key, double value);
     void setBoolean(const std::string& key, bool value);
+
+    /// Any bytes, which in the file are `@ByteArray(...)` and not a text.
+    void setBytes(const std::string& key, std::string_view value);
 
   private:
     std::filesystem::path file_;

@@ -1,7 +1,5 @@
 #include "platform/SerialQueue.h"
 
-#include <pthread.h>
-
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QSocketNotifier>
@@ -10,6 +8,7 @@
 #include <thread>
 
 #include "platform/TaskInbox.h"
+#include "platform/ThisThread.h"
 
 namespace sonavault {
 namespace {
@@ -34,7 +33,7 @@ struct SerialQueue::Thread {
 };
 
 void SerialQueue::Thread::run(const std::string& name, bool withEventLoop) {
-    pthread_setname_np(pthread_self(), threadName(name).c_str());
+    nameThisThread(threadName(name));
     if (withEventLoop) serveEventLoop();
     while (!ended) {
         inbox.wait();

@@ -3,6 +3,7 @@
 #include "links/StationPorts.h"
 #include "platform/Format.h"
 #include "platform/SampleMath.h"
+#include "store/PeaksFile.h"
 
 namespace sonavault {
 
@@ -11,7 +12,7 @@ namespace {
 /// The file is about to grow, so what was computed of its waveform is about to be wrong.
 void forgetPeaks(const std::filesystem::path& audio) {
     std::error_code ignored;
-    std::filesystem::remove(sidecarURL(audio, "peaks"), ignored);
+    std::filesystem::remove(peaksURL(audio), ignored);
 }
 
 }  // namespace

@@ -30,22 +30,25 @@ LoadedDay::LoadedDay(LoadedDayHost& host, DayList& days, PeaksCache& peaks, cons
     : host_(host), days_(days), peaks_(peaks), clock_(clock), log_(log) {}
 
 void LoadedDay::loadRecording(const std::filesystem::path& audio, bool silent) {
-    const auto opened = readAudioFileInfo(audio);
+    host_.stopPlayback();
+    auto opened = PlaybackFile::open(audio);
     if (!opened) return refuse(audio, opened.error(), silent);
-    loadedFile_ = opened.value();
+    loadedFile_ = std::move(opened.value());
     loadedFileURL_ = audio;
     readManifestOf(audio);
-    log_.line("Sonavault: Loaded recording — " + shortest(loadedFile_->durationSec()) + "s @ " +
-              shortest(loadedFile_->sampleRate) + "Hz from " + audio.string());
+    log_.line("Sonavault: Loaded recording — " + shortest(loadedFile()->durationSec()) + "s @ " +
+              shortest(loadedFile()->sampleRate) + "Hz from " + audio.string());
     peaks_.clear();
     host_.redrawSummaryBar();
+    playheadSec_ = currentRecordingOffset().value;
+    host_.updatePlayheadVisuals();
     peaks_.loadOrGeneratePeaks(audio);
     loadMarkersForLoadedRecording();
 }
 
 void LoadedDay::refuse(const std::filesystem::path& audio, const std::string& error, bool silent) {
     log_.line("Sonavault: Failed to load recording at " + audio.string() + ": " + error);
-    unload();
+    clearAndShow();
     if (!silent) host_.showWarning("Couldn't load recording", couldNotBeOpened(audio, error));
 }
 
@@ -99,6 +102,11 @@ void LoadedDay::refreshMarkerLanes() {
 }
 
 void LoadedDay::unload() {
+    host_.stopPlayback();
+    clearAndShow();
+}
+
+void LoadedDay::clearAndShow() {
     clear();
     host_.renderTimeline();
     host_.redrawSummaryBar();
@@ -110,6 +118,20 @@ void LoadedDay::clear() {
     loadedManifest_.reset();
     peaks_.clear();
     allMarkers_.clear();
+}
+
+std::optional<AudioFileInfo> LoadedDay::loadedFile() const {
+    if (!loadedFile_) return std::nullopt;
+    return loadedFile_->info();
+}
+
+std::shared_ptr<const PlaybackSource> LoadedDay::playbackSource() const {
+    return loadedFile_ ? loadedFile_->source() : nullptr;
+}
+
+void LoadedDay::openFileAfresh() {
+    // Whatever goes wrong, what was heard before can be heard again.
+    if (loadedFile_) (void)loadedFile_->openAfresh();
 }
 
 DaySeconds LoadedDay::currentRecordingOffset() const {

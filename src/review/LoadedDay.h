@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -9,6 +10,7 @@
 #include "platform/Clock.h"
 #include "platform/Log.h"
 #include "review/LoadedDayHost.h"
+#include "review/PlaybackFile.h"
 #include "store/DayList.h"
 #include "store/PeaksCache.h"
 #include "store/RecordingManifest.h"
@@ -40,21 +42,37 @@ class LoadedDay {
     /// Reads the day's log again.
     void loadMarkersForLoadedRecording();
 
-    /// No day is under review from here on.
+    /// Stops playback; no day is under review from here on.
     void unload();
 
     const std::optional<std::filesystem::path>& loadedFileURL() const { return loadedFileURL_; }
     const std::optional<RecordingManifest>& loadedManifest() const { return loadedManifest_; }
     const std::vector<Marker>& allMarkers() const { return allMarkers_; }
 
-    /// The file's length as it was when it was loaded; nothing without a day.
-    const std::optional<AudioFileInfo>& loadedFile() const { return loadedFile_; }
+    /// The file's length as it was when it was last opened; nothing without a day.
+    std::optional<AudioFileInfo> loadedFile() const;
+
+    /// What the day is decoded from; null without a day.
+    std::shared_ptr<const PlaybackSource> playbackSource() const;
+
+    /// Takes in what the file has gained since it was opened; one that can't be opened any more
+    /// stays as it was.
+    void openFileAfresh();
+
+    /// How long the timeline is, however much of it holds audio. Units: seconds
+    static constexpr double timelineDuration() { return kSecondsInDay; }
+
+    /// Where on the timeline the listener is. A day is opened at its first audio, not at midnight.
+    /// Units: seconds
+    double playheadSec() const { return playheadSec_; }
+    void setPlayheadSec(double position) { playheadSec_ = position; }
 
     /// The moment of the file's first frame; midnight without a manifest.
     DaySeconds currentRecordingOffset() const;
 
   private:
     void clear();
+    void clearAndShow();
     void refuse(const std::filesystem::path& audio, const std::string& error, bool silent);
     void readManifestOf(const std::filesystem::path& audio);
     void autoLoad(const DailyRecording& row, const std::string& which);
@@ -66,10 +84,11 @@ class LoadedDay {
     const Clock& clock_;
     Log& log_;
 
-    std::optional<AudioFileInfo> loadedFile_;
+    std::optional<PlaybackFile> loadedFile_;
     std::optional<std::filesystem::path> loadedFileURL_;
     std::optional<RecordingManifest> loadedManifest_;
     std::vector<Marker> allMarkers_;
+    double playheadSec_ = 24133.0;  // a morning's, until a day is loaded
 };
 
 }  // namespace sonavault

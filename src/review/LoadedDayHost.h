@@ -14,6 +14,12 @@ class LoadedDayHost {
   public:
     virtual ~LoadedDayHost() = default;
 
+    /// Another day will be heard, or none.
+    virtual void stopPlayback() = 0;
+
+    /// Shows the playhead where it is now.
+    virtual void updatePlayheadVisuals() = 0;
+
     virtual void renderDateList() = 0;
 
     /// Draws lanes and selections anew, for another day or none.

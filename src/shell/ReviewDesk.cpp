@@ -11,7 +11,9 @@ ReviewDesk::ReviewDesk(ShellServices& services, KeyResponderView& view,
       days_(services.recorder.stationFolder, services.recorder.clock, services.recorder.log,
             lengths_, *this),
       peaks_(*this, services.recorder.clock, services.recorder.log, services.recorder.mainQueue),
-      day_(*this, days_, peaks_, services.recorder.clock, services.recorder.log) {
+      day_(*this, days_, peaks_, services.recorder.clock, services.recorder.log),
+      playback_(*this, day_, peaks_, services.audioOutput, services.recorder.clock,
+                services.recorder.log) {
     view_.dayList().onDateChosen = [this](const std::string& date) {
         day_.selectAndLoadRecording(date);
     };

@@ -6,6 +6,7 @@
 
 #include "recorder/SVRecorder.h"
 #include "review/LoadedDay.h"
+#include "review/Playback.h"
 #include "shell/KeyResponderView.h"
 #include "shell/ShellServices.h"
 #include "store/AudioLengthCache.h"
@@ -14,11 +15,14 @@
 
 namespace sonavault {
 
-/// The reviewing half of the program: the list of days, the day under review and its waveform, with
-/// each other, the recorder and the window.
+/// The reviewing half of the program: the list of days, the day under review, its waveform and its
+/// sound, with each other, the recorder and the window.
 ///
 /// Thread: main.
-class ReviewDesk final : private DayListHost, private PeaksHost, private LoadedDayHost {
+class ReviewDesk final : private DayListHost,
+                         private PeaksHost,
+                         private LoadedDayHost,
+                         private PlaybackHost {
   public:
     /// `recorder` gives null until there is one. `view` and what `services` name outlive the desk.
     ReviewDesk(ShellServices& services, KeyResponderView& view,
@@ -27,6 +31,7 @@ class ReviewDesk final : private DayListHost, private PeaksHost, private LoadedD
     DayList& days() { return days_; }
     LoadedDay& day() { return day_; }
     PeaksCache& peaks() { return peaks_; }
+    Playback& playback() { return playback_; }
 
     /// Shows the days as they were last read.
     void renderDateList() override;
@@ -43,15 +48,20 @@ class ReviewDesk final : private DayListHost, private PeaksHost, private LoadedD
     std::size_t ask(const DayListWarning& warning) override;
 
     // PeaksHost
-    std::optional<std::filesystem::path> lastRecordingURL() const override;
     void setStatusBarText(const std::string& text) override;
 
     // LoadedDayHost
+    void stopPlayback() override { playback_.stopPlayback(); }
     void renderTimeline() override {}
     void showEmptyState(const std::string& text) override;
     void showWarning(const std::string& message, const std::string& information) override;
 
-    // Several of the three
+    // PlaybackHost
+    void setPlayButtonTitle(const std::string&) override {}
+
+    // Several of the four
+    void updatePlayheadVisuals() override {}
+    std::optional<std::filesystem::path> lastRecordingURL() const override;
     std::optional<std::filesystem::path> loadedFileURL() const override {
         return day_.loadedFileURL();
     }
@@ -64,6 +74,7 @@ class ReviewDesk final : private DayListHost, private PeaksHost, private LoadedD
     DayList days_;
     PeaksCache peaks_;
     LoadedDay day_;
+    Playback playback_;
 };
 
 }  // namespace sonavault

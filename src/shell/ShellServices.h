@@ -4,9 +4,11 @@
 #include <filesystem>
 #include <functional>
 
+#include "platform/AudioOutput.h"
 #include "platform/Preferences.h"
 #include "recorder/SVRecorder.h"
 #include "shell/Alerts.h"
+#include "shell/StationHub.h"
 
 namespace sonavault {
 
@@ -33,7 +35,9 @@ struct ShellServices {
     RecorderServices recorder;
     Preferences& preferences;  ///< the standard domain
     Alerts& alerts;
+    AudioOutput& audioOutput;
     std::filesystem::path cacheFolder;  ///< for what can be made anew
+    StationHub& hub;
 
     /// Hands a file to the program with which the person's desktop opens it; false when there is
     /// none.

@@ -8,7 +8,9 @@ SonavaultViewController::SonavaultViewController(ShellServices services)
     : services_(std::move(services)),
       rootView_(new KeyResponderView),
       desk_(std::make_shared<RecorderDesk>()),
-      review_(services_, *rootView_, [this] { return recorder_.get(); }) {
+      review_(services_, *rootView_, [this] { return recorder_.get(); }),
+      station_(services_.hub, services_.recorder.clock, services_.recorder.log,
+               services_.preferences, services_.recorder.makeMainTimer(), stationFacts()) {
     desk_->onStatusText = [this](const std::string& text) { setStatusBarText(text); };
     desk_->onAlert = [this](const std::string& message, const std::string& information) {
         showWarning(message, information);
@@ -30,11 +32,23 @@ SonavaultViewController::~SonavaultViewController() {
 void SonavaultViewController::afterWindowReady() {
     showRecordingStatus();
     review_.renderDateList();
+    review_.playback().setupAudioEngine();
     putDaysRight();
     makeRecorder();
     recorder_->applySourceMode(sourceMode());
     if (autoResumesOnLaunch(services_.preferences)) autoResumeAtLaunch();
     startDisplayLoop();
+    station_.startSwitchboard();
+}
+
+StationIntegration::Facts SonavaultViewController::stationFacts() {
+    return {.isRecording = [this] { return desk_->isRecording(); },
+            .recorder = [this] { return recorder_.get(); },
+            .todaysMarkerCount = [this]() -> std::optional<int> {
+                const auto row = review_.days().rowOf(todayDateString(services_.recorder.clock));
+                if (!row) return std::nullopt;
+                return row->markerCount;
+            }};
 }
 
 /// Before there is a recorder, so that nothing is swept that is being written.
@@ -69,9 +83,13 @@ void SonavaultViewController::startDisplayLoop() {
 // The tick
 
 void SonavaultViewController::tickDisplay() {
+    review_.playback().advancePlayhead();
     tryOwedRecording();
     showRecordingStatus();
-    review_.days().liveRefreshTodayRowIfDue(now());
+    const double moment = now();
+    review_.days().liveRefreshTodayRowIfDue(moment);
+    station_.detectAndPublishRecordingStateTransition();
+    station_.publishCurrentRecordingStateIfDue(moment);
 }
 
 void SonavaultViewController::tryOwedRecording() {

@@ -13,6 +13,7 @@
 #include "shell/RecordingStatus.h"
 #include "shell/ReviewDesk.h"
 #include "shell/ShellServices.h"
+#include "shell/StationIntegration.h"
 
 namespace sonavault {
 
@@ -34,9 +35,10 @@ class SonavaultViewController {
     /// The window's content. Owns: this object, also while a window shows it.
     KeyResponderView& rootView() { return *rootView_; }
 
-    /// Called once when the window is on the screen: puts right what a crash has left in the
-    /// recordings folder, lists the days and loads one, makes the recorder, gives it the chosen
-    /// source, begins recording if that is wanted at launch, and starts the tick.
+    /// Called once when the window is on the screen: opens the loudspeakers, puts right what a
+    /// crash has left in the recordings folder, lists the days and loads one, makes the recorder,
+    /// gives it the chosen source, begins recording if that is wanted at launch, starts the tick
+    /// and joins the hub.
     void afterWindowReady();
 
     /// The source last chosen, as the preferences have it; the line input without a known one.
@@ -72,10 +74,14 @@ class SonavaultViewController {
     /// The days and the one under review.
     ReviewDesk& review() { return review_; }
 
+    /// What the station's other programs hear and say.
+    StationIntegration& station() { return station_; }
+
   private:
     static constexpr int kTickMilliseconds = 50;
 
     void startDisplayLoop();
+    StationIntegration::Facts stationFacts();
     void putDaysRight();
     void makeRecorder();
     void autoResumeAtLaunch();
@@ -90,6 +96,7 @@ class SonavaultViewController {
     QPointer<KeyResponderView> rootView_;
     std::shared_ptr<RecorderDesk> desk_;
     ReviewDesk review_;
+    StationIntegration station_;
     OwedRecording owedRecording_;
     std::unique_ptr<SVRecorder> recorder_;
     std::unique_ptr<QTimer> displayTimer_;

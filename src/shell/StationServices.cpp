@@ -39,7 +39,9 @@ ShellServices StationServices::services() {
                      .makeMainTimer = [] { return std::make_unique<QtMainTimer>(); }},
         .preferences = preferences_,
         .alerts = alerts_,
+        .audioOutput = audioOutput_,
         .cacheFolder = cacheFolder(),
+        .hub = hub_,
         .openFile = openOnDesktop,
     };
 }

@@ -2,6 +2,7 @@
 
 #include "platform/Clock.h"
 #include "platform/CubebAudioInput.h"
+#include "platform/CubebOutput.h"
 #include "platform/DiskFlusher.h"
 #include "platform/Log.h"
 #include "platform/Preferences.h"
@@ -31,7 +32,9 @@ class StationServices {
     StationFolder stationFolder_;
     DiskFlusher flusher_;
     CubebAudioInput lineInput_;
+    CubebOutput audioOutput_;
     MessageBoxAlerts alerts_;
+    SwitchboardHub hub_{mainQueue_};
 };
 
 }  // namespace sonavault

@@ -70,7 +70,7 @@ void DayList::reloadDailyRecordings() {
 
 std::vector<DailyRecording> DayList::scanRecordingsFolder() {
     std::map<std::string, DailyRecording> byDate;
-    if (const auto folder = recordingsFolder(station_))
+    if (const auto folder = station_.recordingsFolder())
         for (auto& row : scanOneRecordingsFolder(*folder)) byDate.emplace(row.date, std::move(row));
     std::vector<DailyRecording> rows;
     rows.reserve(byDate.size());

@@ -137,7 +137,7 @@ class Recovery {
 }  // namespace
 
 void recoverOrphanedRecordings(const StationFolder& station, const Clock& clock, Log& log) {
-    const auto folder = recordingsFolder(station);
+    const auto folder = station.recordingsFolder();
     if (!folder) return;
     const Recovery recovery(*folder, todayDateString(clock), log);
     recovery.promoteStubs();

@@ -9,10 +9,10 @@
 #include <system_error>
 #include <thread>
 
-#include "platform/BackgroundJob.h"
 #include "platform/M4aDecoder.h"
 #include "platform/Mp3Decoder.h"
 #include "platform/SampleMath.h"
+#include "platform/ThisThread.h"
 
 namespace sonavault {
 namespace {

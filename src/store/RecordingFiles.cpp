@@ -18,12 +18,6 @@ std::string lowercased(std::string text) {
 
 }  // namespace
 
-std::optional<std::filesystem::path> recordingsFolder(const StationFolder& station) {
-    const auto path = station.stationPath();
-    if (!path) return std::nullopt;
-    return *path / "Logs" / "Audio";
-}
-
 std::optional<std::string> recordingDate(const std::filesystem::path& file) {
     const auto suffix = lowercased(file.extension().string());
     if (suffix != ".m4a" && suffix != ".mp3") return std::nullopt;

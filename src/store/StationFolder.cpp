@@ -24,9 +24,13 @@ std::optional<std::filesystem::path> StationFolder::stationPath() const {
     return std::nullopt;
 }
 
-std::filesystem::path StationFolder::outputFolder() const {
+std::optional<std::filesystem::path> StationFolder::recordingsFolder() const {
     if (const auto station = stationPath()) return *station / "Logs" / "Audio";
-    return home_ / "Documents" / "Calderwave_Recordings";
+    return std::nullopt;
+}
+
+std::filesystem::path StationFolder::outputFolder() const {
+    return recordingsFolder().value_or(home_ / "Documents" / "Calderwave_Recordings");
 }
 
 std::optional<OutputURLs> StationFolder::makeOutputURLs(WallTime moment, Log& log) const {
@@ -37,7 +41,7 @@ std::optional<OutputURLs> StationFolder::makeOutputURLs(WallTime moment, Log& lo
         log.line("Sonavault recorder: mkdir failed at " + folder.string() + ": " + error.message());
         return std::nullopt;
     }
-    const auto base = folder / ("Sonavault_" + isoDateString(moment));
+    const auto base = folder / (kRecordingPrefix + isoDateString(moment));
     return OutputURLs{base.string() + ".mp3", base.string() + ".json", base.string() + ".csv"};
 }
 

@@ -9,6 +9,10 @@
 
 namespace sonavault {
 
+/// The names of all files of a day begin with this; then come the date and a suffix. See
+/// docs/formats/day-files.md.
+inline constexpr auto kRecordingPrefix = "Sonavault_";
+
 /// The three files that a day's recording writes; they share a base name and differ by suffix.
 struct OutputURLs {
     std::filesystem::path audio;  ///< .mp3
@@ -32,6 +36,11 @@ class StationFolder {
     /// The folder named by the shared preference if that exists, else {home}/Calderwave/Station if
     /// that exists, else nothing. Anything at the path counts. Asked afresh each time.
     std::optional<std::filesystem::path> stationPath() const;
+
+    /// Where the list of days and the recovery look: {station}/Logs/Audio, whether it exists or
+    /// not. Nothing without a station folder; what is then recorded to the person's documents is
+    /// not listed.
+    std::optional<std::filesystem::path> recordingsFolder() const;
 
     /// The files of the day of `moment`, local time; makes the folder that holds them. Without a
     /// station folder they go to the person's documents. Errors: nothing, and a line in `log`, when

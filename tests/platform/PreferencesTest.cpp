@@ -59,6 +59,31 @@ TEST_F(PreferencesFile, gives_back_any_text) {
     }
 }
 
+TEST_F(PreferencesFile, gives_back_any_bytes) {
+    std::string all;
+    for (int i = 0; i < 256; ++i) all += static_cast<char>(i);
+    for (const std::string& bytes :
+         {std::string(), std::string("[]"), std::string(R"([{"label":"Früh, \"a\""}])"), all,
+          std::string("a)b("), std::string("\0001", 5)}) {
+        preferences_.setBytes("Bytes", bytes);
+        EXPECT_EQ(preferences_.bytes("Bytes"), bytes);
+        // A file of another hand drops what this process remembers of the old one.
+        rewrite(readFile(file_));
+        EXPECT_EQ(Preferences(file_).bytes("Bytes"), bytes);
+    }
+}
+
+TEST_F(PreferencesFile, tells_bytes_from_text) {
+    preferences_.setBytes("Bytes", "abc");
+    preferences_.setText("Text", "abc");
+    EXPECT_EQ(readFile(file_), "[General]\nBytes=@ByteArray(abc)\nText=abc\n");
+    EXPECT_EQ(preferences_.text("Bytes"), std::nullopt);
+    EXPECT_EQ(preferences_.bytes("Text"), std::nullopt);
+    EXPECT_EQ(preferences_.bytes("Absent"), std::nullopt);
+    rewrite("[General]\nBytes=\"@ByteArray([1, 2])\"\n");
+    EXPECT_EQ(preferences_.bytes("Bytes"), "[1, 2]");
+}
+
 TEST_F(PreferencesFile, is_on_disk_under_its_section_when_a_change_returns) {
     preferences_.setText("StationFolderPath", "/srv/Station");
     preferences_.setBoolean("Flag", true);

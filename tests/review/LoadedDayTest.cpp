@@ -3,14 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/LocalTime.h"
-#include "store/DayListHost.h"
-#include "support/ManualClock.h"
-#include "support/ManualQueue.h"
-#include "support/RecordedLog.h"
-#include "support/ScopedTimeZone.h"
+#include "review/ReviewFixture.h"
 #include "support/SyntheticMp3.h"
-#include "support/TempFolder.h"
 
 namespace sonavault::testing {
 namespace {
@@ -23,89 +17,7 @@ constexpr auto kNoMarkers =
     "Audio came from the computer's line input, so no markers are visible for this recording. All "
     "other features are available.";
 
-/// The window around the day, writing down what it was asked to draw.
-class FakeWindow final : public LoadedDayHost, public PeaksHost, public DayListHost {
-  public:
-    void renderDateList() override { ++listsRendered; }
-    void renderTimeline() override { ++timelinesRendered; }
-    void redrawSummaryBar() override { ++summariesDrawn; }
-    void showEmptyState(const std::string& text) override { emptyState = text; }
-    void showWarning(const std::string& message, const std::string& information) override {
-        warnings.emplace_back(message, information);
-    }
-
-    std::optional<std::filesystem::path> lastRecordingURL() const override { return std::nullopt; }
-    std::optional<std::filesystem::path> loadedFileURL() const override { return std::nullopt; }
-    void setStatusBarText(const std::string& text) override { status = text; }
-
-    bool isRecording() const override { return false; }
-    double currentRecordingDurationSec() const override { return 0; }
-    void loadRecording(const std::filesystem::path&, bool) override {}
-    void unloadRecording() override {}
-    void loadStartupRecording() override {}
-    void loadMarkersForLoadedRecording() override {}
-    void updateRow(const DailyRecording&) override {}
-    std::size_t ask(const DayListWarning&) override { return 0; }
-
-    int listsRendered = 0;
-    int timelinesRendered = 0;
-    int summariesDrawn = 0;
-    std::string emptyState;
-    std::string status;
-    std::vector<std::pair<std::string, std::string>> warnings;
-};
-
-/// A station on the afternoon of Friday, 8 May 2026.
-class LoadedDayTest : public ::testing::Test {
-  protected:
-    static WallTime afternoon() {
-        WallTime moment;
-        EXPECT_TRUE(parseIso8601WithFraction("2026-05-08T14:00:00.000Z", moment));
-        return moment;
-    }
-
-    std::filesystem::path fileOf(const std::string& date, const std::string& suffix = "mp3") const {
-        return folder_ / ("Sonavault_" + date + "." + suffix);
-    }
-
-    /// 36 s of audio, and the days read again.
-    void haveAudio(const std::string& date) {
-        writeFile(fileOf(date), SyntheticMp3().frames(1000).bytes());
-        days_.reloadDailyRecordings();
-    }
-    void haveLog(const std::string& date, const std::string& rows) const {
-        writeFile(fileOf(date, "csv"), "timestamp,event,label,duration\n" + rows);
-    }
-
-    /// Audio, manifest, markers and waveform.
-    void loadWholeDay() {
-        haveAudio("2026-05-07");
-        haveLog("2026-05-07", "08:10:00,break_start,Spots,120\n");
-        writeFile(fileOf("2026-05-07", "json"), R"({"version": 1, "start_offset_sec": 0.5})");
-        day_.loadRecording(fileOf("2026-05-07"));
-        const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-        while (!peaks_.peaksData() && std::chrono::steady_clock::now() < until) mainQueue_.runAll();
-        ASSERT_TRUE(peaks_.peaksData());
-        ASSERT_TRUE(day_.loadedFile() && day_.loadedFileURL() && day_.loadedManifest());
-        ASSERT_EQ(day_.allMarkers().size(), 1U);
-    }
-
-    const ScopedTimeZone zone_{"Europe/Berlin"};
-    TempFolder home_;
-    RecordedLog log_;
-    ManualClock clock_{afternoon()};
-    ManualQueue mainQueue_;
-    FakeWindow window_;
-    const StationFolder station_{home_.path(), Preferences(home_ / "shared.conf")};
-    const std::filesystem::path folder_ = home_.path() / "Calderwave/Station/Logs/Audio";
-    AudioLengthCache lengths_{home_ / "cache"};
-    DayList days_{station_, clock_, log_, lengths_, window_};
-    PeaksCache peaks_{window_, clock_, log_, mainQueue_,
-                      [](const std::filesystem::path&, double, const std::stop_token&) {
-                          return PeaksResult(PeaksData{.bucketSec = 0.25, .rms = {0.5F}});
-                      }};
-    LoadedDay day_{window_, days_, peaks_, clock_, log_};
-};
+using LoadedDayTest = ReviewFixture;
 
 TEST_F(LoadedDayTest, tells_what_was_loaded_and_where_it_stands_on_the_clock) {
     haveAudio("2026-05-07");
@@ -113,11 +25,20 @@ TEST_F(LoadedDayTest, tells_what_was_loaded_and_where_it_stands_on_the_clock) {
               R"({"version": 1, "start_offset_sec": 23415.0, "source_mode": "cadenzo_tcp"})");
     day_.loadRecording(fileOf("2026-05-07"));
     EXPECT_EQ(day_.currentRecordingOffset().value, 23415);
+    EXPECT_EQ(day_.playheadSec(), 23415) << "opened at its first audio";
+    EXPECT_GE(window_.playheadsShown, 1);
     EXPECT_THAT(log_.lines(), ElementsAre("Sonavault: Loaded manifest — start_offset_sec=23415.0, "
                                           "source=cadenzo_tcp",
                                           "Sonavault: Loaded recording — 36.0s @ 16000.0Hz from " +
                                               fileOf("2026-05-07").string()));
     EXPECT_TRUE(window_.warnings.empty());
+}
+
+TEST_F(LoadedDayTest, stops_playback_before_another_is_looked_at) {
+    writeFile(fileOf("2026-05-07"), "no audio");
+    log_.onLine = [this](const std::string&) { EXPECT_EQ(window_.stops, 1); };
+    day_.loadRecording(fileOf("2026-05-07"));
+    EXPECT_EQ(log_.lines().size(), 1U);
 }
 
 TEST_F(LoadedDayTest, without_a_manifest_begins_at_midnight) {
@@ -236,7 +157,9 @@ TEST_F(LoadedDayTest, follows_a_choice_of_date_and_shows_it_in_the_list) {
 
 TEST_F(LoadedDayTest, is_gone_whole_when_it_is_unloaded) {
     loadWholeDay();
+    const int stopsBefore = window_.stops;
     day_.unload();
+    EXPECT_EQ(window_.stops, stopsBefore + 1);
     EXPECT_FALSE(day_.loadedFileURL());
     EXPECT_FALSE(day_.loadedManifest());
     EXPECT_FALSE(day_.loadedFile());

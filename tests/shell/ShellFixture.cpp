@@ -37,7 +37,9 @@ ShellServices ShellFixture::services() {
                      .makeMainTimer = [this] { return timers_.make(); }},
         .preferences = preferences_,
         .alerts = alerts_,
+        .audioOutput = output_,
         .cacheFolder = temp_ / "cache",
+        .hub = hub_,
         .openFile =
             [this](const std::filesystem::path& file) {
                 opened_.push_back(file);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -57,6 +58,20 @@ class SwitchedLineInput final : public AudioInput {
     bool running_ = false;
 };
 
+/// Loudspeakers that nobody hears, with a sound server that comes and goes as the test likes.
+class SilentOutput final : public AudioOutput {
+  public:
+    Outcome start() override {
+        return works ? Outcome(Done{}) : Outcome::failure("there is no sound server");
+    }
+    void play(std::shared_ptr<AudioOutputSound> sound) override { playing = std::move(sound); }
+    void stop() override { playing.reset(); }
+    AudioOutputLevels levels() const override { return {}; }
+
+    bool works = true;
+    std::shared_ptr<AudioOutputSound> playing;
+};
+
 /// A link whose sender is the test.
 class ScriptedAudioLink final : public AudioLink {
   public:
@@ -69,6 +84,40 @@ class SilentMarkerLink final : public MarkerLink {
   public:
     void start() override {}
     void stop() override {}
+};
+
+/// A hub whose other programs are the test.
+class RecordedHub final : public StationHub {
+  public:
+    struct Said {
+        std::string about;  ///< a topic or a key
+        QJsonObject what;
+    };
+
+    void join(const std::string& name, std::function<void(const std::string&)> onState) override {
+        joinedAs.push_back(name);
+        tellState = std::move(onState);
+    }
+    void subscribe(const std::string& topic,
+                   std::function<void(const QJsonObject&)> handler) override {
+        ++subscribed;
+        subscriptions[topic] = std::move(handler);
+    }
+    void notify(const std::string& topic, const QJsonObject& payload) override {
+        notified.push_back({topic, payload});
+    }
+    void stateSet(const std::string& key, const QJsonObject& value) override {
+        states[key] = value;
+        ++timesSet[key];
+    }
+
+    std::vector<std::string> joinedAs;
+    int subscribed = 0;
+    std::function<void(const std::string&)> tellState;
+    std::map<std::string, std::function<void(const QJsonObject&)>> subscriptions;
+    std::vector<Said> notified;
+    std::map<std::string, QJsonObject> states;
+    std::map<std::string, int> timesSet;
 };
 
 /// Answers every alert at once, and keeps them.
@@ -130,7 +179,9 @@ class ShellFixture : public ::testing::Test {
     const StationFolder station_{temp_ / "home", Preferences(temp_ / "shared.conf")};
     DiskFlusher flusher_;
     SwitchedLineInput input_;
+    SilentOutput output_;
     RecordedAlerts alerts_;
+    RecordedHub hub_;
     std::vector<std::filesystem::path> opened_;
     bool opensFiles_ = true;
     ScriptedAudioLink* link_ = nullptr;

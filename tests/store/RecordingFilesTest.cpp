@@ -55,10 +55,10 @@ TEST(EntriesOf, are_nothing_for_what_is_missing_or_a_file) {
 TEST(RecordingsFolder, is_the_stations_audio_folder_whether_it_exists_or_not) {
     const TempFolder home;
     const StationFolder station(home.path(), Preferences(home / "shared.conf"));
-    EXPECT_EQ(recordingsFolder(station), std::nullopt);
+    EXPECT_EQ(station.recordingsFolder(), std::nullopt);
     const auto usual = home.path() / "Calderwave" / "Station";
     std::filesystem::create_directories(usual);
-    EXPECT_EQ(recordingsFolder(station), usual / "Logs" / "Audio");
+    EXPECT_EQ(station.recordingsFolder(), usual / "Logs" / "Audio");
 }
 
 }  // namespace

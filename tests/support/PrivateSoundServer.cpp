@@ -163,6 +163,23 @@ void PrivateSoundServer::playFile(const std::filesystem::path& file, const std::
     players_.push_back(launch({"paplay", "--device=" + sink, file.string()}, kOutput));
 }
 
+void PrivateSoundServer::listenTo(const std::string& sink) {
+    // One that was killed may have left half a frame.
+    std::filesystem::remove(folder_ / "heard");
+    players_.push_back(launch({"pacat", "--record", "--raw", "--format=float32ne",
+                               "--channels=" + std::to_string(devices_.channels),
+                               "--rate=" + std::to_string(devices_.sampleRate), "--latency-msec=50",
+                               "--device=" + sink + ".monitor"},
+                              "heard"));
+}
+
+std::vector<float> PrivateSoundServer::heard() const {
+    const auto bytes = readFile(folder_ / "heard");
+    std::vector<float> samples(bytes.size() / sizeof(float));
+    std::memcpy(samples.data(), bytes.data(), samples.size() * sizeof(float));
+    return samples;
+}
+
 void PrivateSoundServer::stopPlaying() {
     for (const auto player : players_) end(player);
     players_.clear();

@@ -60,6 +60,13 @@ class PrivateSoundServer {
 
     void stopPlaying();
 
+    /// Writes down what comes out of `sink` from soon after on, until stopPlaying(), in a process
+    /// of its own.
+    void listenTo(const std::string& sink = "line");
+
+    /// All that was written down since then, at the server's rate, its channels side by side.
+    std::vector<float> heard() const;
+
     /// One more sink, and its monitor "{name}.monitor" as one more input.
     void addSink(const std::string& name, int sampleRate, int channels);
 

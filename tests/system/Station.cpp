@@ -39,6 +39,8 @@ Station::Station() {
     environment_["XDG_CONFIG_HOME"] = (home() / ".config").string();
     environment_["XDG_RUNTIME_DIR"] = runtime.string();
     environment_["QT_QPA_PLATFORM"] = "offscreen";
+    // A hub that happens to run on this machine is none of a test's business.
+    environment_["SWITCHBOARD_SOCKET"] = (runtime / "switchboard.sock").string();
 }
 
 void Station::choose(const std::string& key, const std::string& value) {
@@ -62,6 +64,10 @@ std::unique_ptr<ChildProcess> Station::startAutomation(
     std::vector<std::string> command{SONAVAULT_AUTOMATION};
     command.insert(command.end(), options.begin(), options.end());
     return std::make_unique<ChildProcess>(command, environment_);
+}
+
+std::unique_ptr<ChildProcess> Station::startHub() const {
+    return std::make_unique<ChildProcess>(std::vector<std::string>{SONAVAULT_HUB}, environment_);
 }
 
 std::filesystem::path Station::dayFile(const std::string& suffix) const {

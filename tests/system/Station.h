@@ -34,6 +34,9 @@ class Station {
     /// The automation, sending to the program's audio link.
     std::unique_ptr<ChildProcess> startAutomation(const std::vector<std::string>& options) const;
 
+    /// The demonstration hub, where the program looks for one.
+    std::unique_ptr<ChildProcess> startHub() const;
+
     std::filesystem::path home() const { return temp_ / "home"; }
     std::filesystem::path audioFolder() const { return home() / "Calderwave/Station/Logs/Audio"; }
     std::filesystem::path dayFile(const std::string& suffix) const;

@@ -1,0 +1,260 @@
+#include <QJsonArray>
+#include <utility>
+
+#include "hub/SwitchboardClientImpl.h"
+
+namespace sonavault {
+namespace {
+
+/// What may wait for its callbacks before nothing more is read. Units: bytes
+constexpr std::size_t kMostUndeliveredBytes = 8'388'608;
+
+/// About what a queued callback takes besides its message. Units: bytes
+constexpr std::size_t kBytesOfACallback = 256;
+
+constexpr std::chrono::milliseconds kReceivingPause{20};
+
+QString text(const std::string& utf8) {
+    return QString::fromStdString(utf8);
+}
+
+/// A message on its way to its callbacks.
+struct Delivery {
+    SwitchboardMessage message;
+    std::shared_ptr<const UndeliveredBytes::Share> share;
+};
+
+}  // namespace
+
+void SwitchboardClientImpl::subscribe(const std::string& topic, MessageHandler handler) {
+    subscriptions_.add(topic, std::make_shared<const MessageHandler>(std::move(handler)));
+    auto envelope = newEnvelope("subscribe");
+    if (!envelope) return;
+    envelope->topic = topic;
+    send(*envelope);
+}
+
+void SwitchboardClientImpl::unsubscribe(const std::string& topic) {
+    subscriptions_.remove(topic);
+    auto envelope = newEnvelope("unsubscribe");
+    if (!envelope) return;
+    envelope->topic = topic;
+    send(*envelope);
+}
+
+void SwitchboardClientImpl::notifyRecipients(const std::vector<std::string>& recipients,
+                                             const QJsonObject& payload) {
+    auto envelope = newEnvelope("notify");
+    if (!envelope) return;
+    QJsonArray names;
+    for (const auto& each : recipients) names.append(text(each));
+    envelope->to = names.size() == 1 ? names.first() : QJsonValue(names);
+    if (!payload.isEmpty()) envelope->payload = payload;
+    send(*envelope);
+}
+
+void SwitchboardClientImpl::notifyTopic(const std::string& topic, const QJsonObject& payload) {
+    auto envelope = newEnvelope("notify");
+    if (!envelope) return;
+    envelope->topic = topic;
+    if (!payload.isEmpty()) envelope->payload = payload;
+    send(*envelope);
+}
+
+void SwitchboardClientImpl::stateSet(const std::string& key, const QJsonValue& value) {
+    auto envelope = newEnvelope("state-set");
+    if (!envelope) return;
+    envelope->payload = {{"key", text(key)}, {"value", value.isUndefined() ? QJsonValue() : value}};
+    send(*envelope);
+}
+
+void SwitchboardClientImpl::stateGet(const std::string& key,
+                                     std::function<void(StateGetResult)> handler) {
+    auto envelope = newEnvelope("state-get");
+    if (!envelope)
+        return callbackQueue().post([handler = std::move(handler)] {
+            handler(StateGetResult::error(notConnectedError()));
+        });
+    envelope->id = newEnvelopeId();
+    envelope->payload = {{"key", text(key)}};
+    ask(*envelope, {[handler = std::move(handler)](const SwitchboardMessage& reply) {
+                        handler(stateGetResult(reply));
+                    },
+                    nullptr});
+}
+
+void SwitchboardClientImpl::query(const std::string& recipient, const std::string& topic,
+                                  const QJsonObject& payload, std::int64_t timeoutMs,
+                                  std::function<void(QueryResult)> reply) {
+    const auto once = std::make_shared<OneShot<QueryResult>>(std::move(reply), callbackQueue());
+    auto envelope = newEnvelope("query");
+    if (!envelope) return once->fire(QueryResult::failure(notConnectedError()));
+    const std::string id = newEnvelopeId();
+    envelope->id = id;
+    envelope->to = text(recipient);
+    envelope->topic = topic;
+    envelope->timeoutMs = timeoutMs;
+    if (!payload.isEmpty()) envelope->payload = payload;
+    const std::int64_t fallbackMs = localFallbackMs(timeoutMs);
+    auto timer =
+        network_->makeTimer(std::chrono::milliseconds(fallbackMs), [this, id, once, fallbackMs] {
+            pending_.take(id);
+            once->fire(QueryResult::failure(queryTimedOut(fallbackMs)));
+        });
+    ask(*envelope,
+        {[once](const SwitchboardMessage& answer) { once->fire(queryResult(answer)); }, timer});
+}
+
+void SwitchboardClientImpl::ping(std::int64_t timeoutMs,
+                                 std::function<void(PingResult)> completion) {
+    const auto once = std::make_shared<OneShot<PingResult>>(std::move(completion), callbackQueue());
+    auto envelope = newEnvelope("ping");
+    if (!envelope) return once->fire(PingResult::failure(notConnectedError()));
+    const std::string id = newEnvelopeId();
+    envelope->id = id;
+    auto timer =
+        network_->makeTimer(std::chrono::milliseconds(timeoutMs), [this, id, once, timeoutMs] {
+            pending_.take(id);
+            once->fire(PingResult::failure(pingTimedOut(timeoutMs)));
+        });
+    ask(*envelope,
+        {[once](const SwitchboardMessage& answer) { once->fire(pingResult(answer)); }, timer});
+}
+
+// In this order: a reply or a time limit that comes at once must find the request.
+void SwitchboardClientImpl::ask(const Envelope& envelope, PendingRequests::Request request) {
+    const auto timer = request.timer;
+    pending_.add(*envelope.id, std::move(request));
+    if (timer) timer->resume();
+    send(envelope);
+}
+
+void SwitchboardClientImpl::drainBuffer(std::string_view bytes) {
+    readBuffer_.append(bytes);
+    while (const auto line = readBuffer_.next())
+        if (auto envelope = Envelope::decode(*line); envelope)
+            dispatchIncoming(std::move(envelope.value()), line->size());
+    waitForCallbacks();
+}
+
+// The order of the rules is part of the wire: the answer to the announce bears a `ref` too.
+void SwitchboardClientImpl::dispatchIncoming(Envelope&& envelope, std::size_t lineBytes) {
+    if (envelope.type == "reply") {
+        if (!dispatchHandshake(envelope)) dispatchReply(std::move(envelope), lineBytes);
+    } else if (envelope.type == "ping") {
+        dispatchPing(envelope);
+    } else if (envelope.type == "notify") {
+        dispatchNotify(std::move(envelope), lineBytes);
+    }
+}
+
+bool SwitchboardClientImpl::dispatchHandshake(const Envelope& envelope) {
+    if (envelope.from != kHubName || !envelope.payload) return false;
+    const QJsonValue sessionId = envelope.payload->value(QLatin1String("session_id"));
+    if (!sessionId.isString() || !currentState().is<SwitchboardState::AwaitingAnnounce>())
+        return false;
+    completeHandshake(sessionId.toString().toStdString());
+    return true;
+}
+
+void SwitchboardClientImpl::dispatchReply(Envelope&& envelope, std::size_t lineBytes) {
+    if (!envelope.ref) return;
+    auto request = pending_.take(*envelope.ref);
+    if (request.timer) request.timer->cancel();
+    if (!request.replied) return;
+    const auto delivery =
+        std::make_shared<const Delivery>(Delivery{SwitchboardMessage::of(std::move(envelope)),
+                                                  undelivered_.add(lineBytes + kBytesOfACallback)});
+    callbackQueue().post(
+        [replied = std::move(request.replied), delivery] { replied(delivery->message); });
+}
+
+void SwitchboardClientImpl::dispatchPing(const Envelope& envelope) {
+    auto reply = newEnvelope("reply");
+    if (!reply || !envelope.id) return;
+    reply->ref = envelope.id;
+    reply->to = text(envelope.from);
+    send(*reply);
+}
+
+void SwitchboardClientImpl::dispatchNotify(Envelope&& envelope, std::size_t lineBytes) {
+    if (!envelope.topic) return;
+    const auto handlers = subscriptions_.handlers(*envelope.topic);
+    if (handlers.empty()) return;
+    auto share = undelivered_.add(lineBytes + handlers.size() * kBytesOfACallback);
+    const auto delivery = std::make_shared<const Delivery>(
+        Delivery{SwitchboardMessage::of(std::move(envelope)), std::move(share)});
+    Executor& queue = callbackQueue();
+    for (const auto& handler : handlers)
+        queue.post([handler, delivery] { (*handler)(delivery->message); });
+}
+
+// A hub that speaks faster than its listeners listen has to wait, or what waits for them would fill
+// the memory. Asked again by the clock, for the callbacks may end on a thread that outlives us.
+void SwitchboardClientImpl::waitForCallbacks() {
+    if (receivingTimer_ || !connection_ || undelivered_.total() <= kMostUndeliveredBytes) return;
+    connection_->pauseReceiving(true);
+    receivingTimer_ = network_->makeTimer(kReceivingPause, [this] {
+        receivingTimer_.reset();
+        if (undelivered_.total() <= kMostUndeliveredBytes && connection_)
+            connection_->pauseReceiving(false);
+        waitForCallbacks();
+    });
+    receivingTimer_->resume();
+}
+
+void SwitchboardClientImpl::resubscribeAll() {
+    auto envelope = newEnvelope("subscribe");
+    if (!envelope) return;
+    for (const auto& topic : subscriptions_.topics()) {
+        envelope->topic = topic;
+        send(*envelope);
+    }
+}
+
+void SwitchboardClientImpl::failOutstandingRequests(const std::string& reason) {
+    auto requests = pending_.takeAll();
+    for (const auto& request : requests)
+        if (request.timer) request.timer->cancel();
+    if (requests.empty()) return;
+    const auto reply = std::make_shared<const SwitchboardMessage>(connectionLostReply(reason));
+    Executor& queue = callbackQueue();
+    for (auto& request : requests)
+        queue.post([replied = std::move(request.replied), reply] { replied(*reply); });
+}
+
+/// Absent before the first connect().
+std::optional<Envelope> SwitchboardClientImpl::newEnvelope(std::string_view type) const {
+    const auto name = ourAppName();
+    if (!name) return std::nullopt;
+    Envelope envelope;
+    envelope.type = type;
+    envelope.from = *name;
+    return envelope;
+}
+
+// Written out on the caller's thread: nothing of the caller's values crosses to another.
+void SwitchboardClientImpl::send(const Envelope& envelope) {
+    std::shared_ptr<HubConnection> connection;
+    {
+        std::scoped_lock lock(stateLock_);
+        connection = connection_;
+    }
+    if (!connection) return;
+    auto line = envelope.encode();
+    if (!line || line.value().size() + 1 > kMaxEnvelopeBytes) return;
+    line.value() += '\n';
+    connection->send(std::move(line.value()));
+}
+
+std::optional<std::string> SwitchboardClientImpl::ourAppName() const {
+    std::scoped_lock lock(stateLock_);
+    return ourAppName_;
+}
+
+Executor& SwitchboardClientImpl::callbackQueue() const {
+    std::scoped_lock lock(stateLock_);
+    return callbackQueue_ ? *callbackQueue_ : mainQueue_;
+}
+
+}  // namespace sonavault

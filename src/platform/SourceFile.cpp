@@ -1,0 +1,120 @@
+#include "platform/SourceFile.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+#include <vector>
+
+#include "platform/AtomicFile.h"
+#include "platform/SystemError.h"
+
+namespace sonavault {
+namespace {
+
+constexpr std::int64_t kSystemPiece = std::int64_t{16} << 20;
+constexpr std::int64_t kProcessPiece = std::int64_t{1} << 20;
+
+// Each of these moves `rest.begin` over what is copied and gives 0 or the number of an error.
+
+int copyBySystem(int from, int to, ByteRange& rest, const std::stop_token& stop) {
+    while (rest.size() > 0) {
+        if (stop.stop_requested()) return ECANCELED;
+        off_t at = rest.begin;
+        const auto wanted = static_cast<std::size_t>(std::min(rest.size(), kSystemPiece));
+        const auto copied = ::copy_file_range(from, &at, to, nullptr, wanted, 0);
+        if (copied < 0 && errno == EINTR) continue;
+        if (copied < 0) return errno;
+        if (copied == 0) return ENODATA;
+        rest.begin += copied;
+    }
+    return 0;
+}
+
+int writeAll(int to, const char* bytes, std::size_t count) {
+    while (count > 0) {
+        const auto taken = ::write(to, bytes, count);
+        if (taken < 0 && errno == EINTR) continue;
+        if (taken < 0) return errno;
+        bytes += taken;
+        count -= static_cast<std::size_t>(taken);
+    }
+    return 0;
+}
+
+int copyByProcess(int from, int to, ByteRange& rest, const std::stop_token& stop) {
+    std::vector<char> piece(static_cast<std::size_t>(std::min(rest.size(), kProcessPiece)));
+    while (rest.size() > 0) {
+        if (stop.stop_requested()) return ECANCELED;
+        const auto wanted = std::min(piece.size(), static_cast<std::size_t>(rest.size()));
+        const auto read = ::pread(from, piece.data(), wanted, rest.begin);
+        if (read < 0 && errno == EINTR) continue;
+        if (read < 0) return errno;
+        // The file was cut short since it was opened.
+        if (read == 0) return ENODATA;
+        if (const int error = writeAll(to, piece.data(), static_cast<std::size_t>(read)))
+            return error;
+        rest.begin += read;
+    }
+    return 0;
+}
+
+/// Where the system can't copy, between two disks or on one that it has no such call for, nothing
+/// tells this from a true error but the second way, which then meets that error itself.
+int copyRange(int from, int to, ByteRange range, const std::stop_token& stop,
+              SourceFile::CopyBy by) {
+    if (by == SourceFile::CopyBy::system) {
+        const int error = copyBySystem(from, to, range, stop);
+        if (error == 0 || error == ECANCELED) return error;
+    }
+    return copyByProcess(from, to, range, stop);
+}
+
+}  // namespace
+
+Result<SourceFile> SourceFile::open(const std::filesystem::path& file) {
+    using Opened = Result<SourceFile>;
+    int descriptor = -1;
+    // Without O_NONBLOCK a pipe under that name would wait for a writer.
+    do descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    while (descriptor < 0 && errno == EINTR);
+    if (descriptor < 0) return Opened::failure(systemWords(errno));
+    auto mapped = MappedFile::of(descriptor, MappedFile::Order::frontToBack);
+    if (mapped) return SourceFile(descriptor, std::move(mapped.value()));
+    ::close(descriptor);
+    return Opened::failure(mapped.error());
+}
+
+SourceFile::SourceFile(SourceFile&& other) noexcept
+    : descriptor_(std::exchange(other.descriptor_, -1)), mapped_(std::move(other.mapped_)) {}
+
+SourceFile& SourceFile::operator=(SourceFile&& other) noexcept {
+    std::swap(descriptor_, other.descriptor_);
+    std::swap(mapped_, other.mapped_);
+    return *this;
+}
+
+SourceFile::~SourceFile() {
+    if (descriptor_ >= 0) ::close(descriptor_);
+}
+
+std::int64_t SourceFile::nextData(std::int64_t from) const {
+    const auto size = static_cast<std::int64_t>(bytes().size());
+    const off_t found = ::lseek(descriptor_, from, SEEK_DATA);
+    if (found < 0) return errno == ENXIO ? size : from;
+    return std::min<std::int64_t>(found, size);
+}
+
+Outcome SourceFile::writeRanges(std::span<const ByteRange> ranges,
+                                const std::filesystem::path& file, const std::stop_token& stop,
+                                CopyBy by) const {
+    return writeFileAtomically(file, [&](int to) {
+        for (const auto& range : ranges)
+            if (const int error = copyRange(descriptor_, to, range, stop, by)) return error;
+        return 0;
+    });
+}
+
+}  // namespace sonavault

@@ -1,0 +1,152 @@
+#include "shell/StationIntegration.h"
+
+#include <algorithm>
+
+#include "platform/LocalTime.h"
+#include "recorder/SVQualityLevel.h"
+#include "store/RecordingModel.h"
+#include "store/StationFolder.h"
+#include "store/Version.h"
+
+namespace sonavault {
+
+namespace {
+
+/// What others wrote must not pass for lines of our own in the log.
+std::string onOneLine(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
+    return text;
+}
+
+QString qString(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+}  // namespace
+
+StationIntegration::StationIntegration(StationHub& hub, const Clock& clock, Log& log,
+                                       const Preferences& preferences,
+                                       std::unique_ptr<MainTimer> timer, Facts facts)
+    : hub_(hub),
+      clock_(clock),
+      log_(log),
+      preferences_(preferences),
+      facts_(std::move(facts)),
+      switchboardHeartbeatTimer_(std::move(timer)) {}
+
+void StationIntegration::startSwitchboard() {
+    if (switchboardConnectStarted_) return;
+    switchboardConnectStarted_ = true;
+    hub_.join(kSwitchboardAppName, lifetime_.guard([this](const std::string& state) {
+        log_.line("Sonavault Switchboard: state = " + onOneLine(state));
+    }));
+    hub_.subscribe(kSwitchboardTopicCadenzoPlaybackState,
+                   lifetime_.guard([this](const QJsonObject& payload) {
+                       handleCadenzoPlaybackStateChanged(payload);
+                   }));
+    beat();
+}
+
+void StationIntegration::beat() {
+    using std::chrono::milliseconds;
+    switchboardHeartbeatTimer_->start(
+        milliseconds(static_cast<int>(kSwitchboardHeartbeatIntervalSec * 1000)),
+        [this] { beat(); });
+    publishSwitchboardHeartbeat();
+}
+
+std::string StationIntegration::isoNowString() const {
+    return iso8601WithMilliseconds(clock_.now());
+}
+
+std::string StationIntegration::today() const {
+    return todayDateString(clock_);
+}
+
+// What is told
+
+void StationIntegration::publishSwitchboardHeartbeat() {
+    const SVRecorder* recorder = facts_.recorder();
+    hub_.stateSet(kSwitchboardStateKeyHeartbeat,
+                  {{"at", qString(isoNowString())},
+                   {"version", kSonavaultVersion},
+                   {"recording", facts_.isRecording()},
+                   {"sourceMode", recorder ? qString(rawValue(recorder->sourceMode())) : "unknown"},
+                   {"cadenzoConnected", recorder && recorder->isCadenzoConnected()}});
+}
+
+void StationIntegration::publishCurrentRecordingState() {
+    const SVRecorder* recorder = facts_.recorder();
+    QJsonObject state{{"date", qString(today())},
+                      {"recording", facts_.isRecording()},
+                      {"durationSec", recorder ? recorder->currentRecordingDurationSec() : 0.0},
+                      {"qualityLevel", SVQualityLevel::current(preferences_).rawValue()},
+                      {"at", qString(isoNowString())}};
+    if (recorder && recorder->lastRecordingURL()) {
+        const auto& audio = *recorder->lastRecordingURL();
+        state["audioURL"] = qString(audio.string());
+        state["csvURL"] = qString(sidecarURL(audio, "csv").string());
+    }
+    if (const auto count = facts_.todaysMarkerCount()) state["markerCount"] = *count;
+    hub_.stateSet(kSwitchboardStateKeyCurrentRecording, state);
+}
+
+void StationIntegration::publishCurrentRecordingStateIfDue(double now) {
+    const double since = now - lastSwitchboardCurrentRecPub_;
+    // A clock that was set back must not keep the others waiting until it has caught up.
+    if (since >= 0 && since <= kSwitchboardCurrentRecordingIntervalSec) return;
+    lastSwitchboardCurrentRecPub_ = now;
+    publishCurrentRecordingState();
+}
+
+void StationIntegration::detectAndPublishRecordingStateTransition() {
+    if (const auto transition = transitions_.look(facts_.isRecording(), today()))
+        publishRecordingStateChanged(*transition);
+}
+
+void StationIntegration::publishRecordingStateChanged(const RecordingTransition& transition) {
+    QJsonObject payload{{"state", qString(transition.state)},
+                        {"date", qString(transition.date)},
+                        {"qualityLevel", SVQualityLevel::current(preferences_).rawValue()}};
+    const SVRecorder* recorder = facts_.recorder();
+    if (recorder && recorder->lastRecordingURL())
+        payload["audioURL"] = qString(recorder->lastRecordingURL()->string());
+    hub_.notify(kSwitchboardTopicRecordingState, payload);
+}
+
+void StationIntegration::publishAircheckSaved(const SavedAircheck& aircheck) {
+    hub_.notify(kSwitchboardTopicAircheckSaved, {{"label", qString(aircheck.label)},
+                                                 {"mode", qString(aircheck.mode)},
+                                                 {"date", qString(aircheck.date)},
+                                                 {"startHour", aircheck.startHour},
+                                                 {"endHour", aircheck.endHour},
+                                                 {"outputPath", qString(aircheck.output.string())},
+                                                 {"segmentCount", aircheck.segmentCount},
+                                                 {"totalDurationSec", aircheck.totalDurationSec},
+                                                 {"source", qString(aircheck.source)}});
+}
+
+// What is heard
+
+void StationIntegration::handleCadenzoPlaybackStateChanged(const QJsonObject& payload) {
+    const auto event = PlaybackEvent::from(payload);
+    if (!event) {
+        log_.line(missingStateLine(payload));
+        return;
+    }
+    const std::string at = event->at.value_or(isoNowString());
+    log_.line(onOneLine("Sonavault Switchboard: cadenzo.playback-state-changed state=" +
+                        event->state + " cause=" + event->cause + " at=" + at));
+    SVRecorder* recorder = facts_.recorder();
+    if (!recorder || !facts_.isRecording()) return;
+    recorder->appendSyntheticMarker(clockTimeOf(at), event->markerType, event->markerLabel);
+}
+
+/// An event whose time can't be read is placed where it arrived.
+std::string StationIntegration::clockTimeOf(const std::string& at) const {
+    if (const auto clockTime = hmsClockTimeFromIso(at)) return *clockTime;
+    return hmsClockTimeFromIso(isoNowString()).value_or("");
+}
+
+}  // namespace sonavault

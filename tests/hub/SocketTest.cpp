@@ -1,0 +1,349 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QJsonDocument>
+#include <QLocalServer>
+#include <QLocalSocket>
+
+#include "hub/HubThread.h"
+#include "hub/SwitchboardClientImpl.h"
+#include "hub/SystemHubNetwork.h"
+#include "links/Eventually.h"
+#include "support/ManualQueue.h"
+
+namespace sonavault::testing {
+namespace {
+
+using State = SwitchboardState;
+using ::testing::ElementsAre;
+
+/// A client on the machine's own sockets and timers.
+class HubSocketTest : public ::testing::Test {
+  protected:
+    std::unique_ptr<SwitchboardClientImpl> makeClient(const std::string& path) {
+        return std::make_unique<SwitchboardClientImpl>(
+            SwitchboardClientImpl::Services{.clock = clock_,
+                                            .mainQueue = mainQueue_,
+                                            .network = std::make_unique<SystemHubNetwork>(),
+                                            .socketPath = path});
+    }
+    void join(SwitchboardClientImpl& client) {
+        client.connect("Sonavault", &callbacks_);
+        ASSERT_TRUE(becomes<State::Connected>(client));
+    }
+    template <class Case>
+    static bool becomes(const SwitchboardClientImpl& client) {
+        return eventually([&] { return client.currentState().is<Case>(); });
+    }
+    /// What a request that was waiting is told of the connection's end.
+    std::string reasonOfBreak(SwitchboardClientImpl& client) {
+        std::string reason;
+        client.connect("Sonavault", &callbacks_);
+        client.stateGet("k", [&](const StateGetResult& result) {
+            if (const auto* error = std::get_if<SwitchboardError>(&result.outcome))
+                reason = error->detail->value("detail").toString().toStdString();
+        });
+        eventually([&] {
+            callbacks_.runAll();
+            return !reason.empty();
+        });
+        return reason;
+    }
+
+    SystemClock clock_;
+    ManualQueue mainQueue_;
+    ManualQueue callbacks_;
+    TempFolder folder_;
+};
+
+TEST_F(HubSocketTest, meets_a_path_where_nothing_is) {
+    const auto client = makeClient(folder_ / "nothing.sock");
+    EXPECT_EQ(reasonOfBreak(*client), "NWConnection waiting: No such file or directory");
+    EXPECT_TRUE(becomes<State::Reconnecting>(*client));
+}
+
+TEST_F(HubSocketTest, meets_a_socket_that_nobody_listens_on) {
+    {
+        const std::string path = folder_ / "stale.sock";
+        QLocalServer server;
+        ASSERT_TRUE(server.listen(QString::fromStdString(path)));
+        std::filesystem::create_hard_link(path, folder_ / "kept.sock");
+    }
+    const auto client = makeClient(folder_ / "kept.sock");
+    EXPECT_EQ(reasonOfBreak(*client), "NWConnection waiting: Connection refused");
+}
+
+TEST_F(HubSocketTest, meets_a_path_that_no_socket_can_have) {
+    const auto client = makeClient("/tmp/" + std::string(200, 'x'));
+    EXPECT_EQ(reasonOfBreak(*client), "NWConnection waiting: File name too long");
+}
+
+TEST_F(HubSocketTest, never_hangs_on_a_hub_that_does_not_accept) {
+    QLocalServer server;
+    server.setListenBacklogSize(1);
+    const QString path = QString::fromStdString(folder_ / "full.sock");
+    ASSERT_TRUE(server.listen(path));
+    // Nothing runs the server's event loop, so whoever comes stays in its queue.
+    const auto first = makeClient(path.toStdString());
+    const auto second = makeClient(path.toStdString());
+    first->connect("A", &callbacks_);
+    second->connect("B", &callbacks_);
+    ASSERT_TRUE(becomes<State::AwaitingAnnounce>(*first));
+    ASSERT_TRUE(becomes<State::AwaitingAnnounce>(*second));
+    const auto third = makeClient(path.toStdString());
+    EXPECT_EQ(reasonOfBreak(*third), "NWConnection waiting: Resource temporarily unavailable");
+    EXPECT_TRUE(becomes<State::Reconnecting>(*third));
+}
+
+TEST_F(HubSocketTest, talks_with_a_hub) {
+    HubThread hub;
+    ASSERT_TRUE(hub.listens());
+    const auto client = makeClient(hub.path());
+    std::vector<std::string> heard;
+    client->subscribe("t", [&](const SwitchboardMessage& message) {
+        heard.push_back(message.from + " " + message.payload["n"].toString().toStdString());
+    });
+    join(*client);
+    ASSERT_TRUE(eventually([&] { return hub.heard(R"("type":"subscribe")"); }));
+    hub.obey(R"(publish Cadenzo t {"n":"1"})");
+    client->notifyTopic("t", {{"n", "2"}});
+    client->stateSet("k", QJsonObject{{"a", 5}});
+    std::optional<StateGetResult> value;
+    client->stateGet("k", [&](StateGetResult result) { value = std::move(result); });
+    bool answered = false;
+    client->ping(60'000, [&](const PingResult& result) { answered = static_cast<bool>(result); });
+    std::string refusal;
+    client->query("Nobody", "t", {}, 60'000, [&](const QueryResult& result) {
+        if (!result) refusal = result.error().description();
+    });
+    ASSERT_TRUE(eventually([&] {
+        callbacks_.runAll();
+        return value && answered && !refusal.empty() && heard.size() == 2;
+    }));
+    EXPECT_THAT(heard, ElementsAre("Cadenzo 1", "Sonavault 2"));
+    EXPECT_EQ(*value, StateGetResult::found(QJsonObject{{"a", 5}}));
+    EXPECT_EQ(refusal,
+              "SwitchboardError(hubError, hub=no-such-app: hub error reply: \"no-such-app\")");
+    hub.obey("ping");
+    EXPECT_TRUE(eventually([&] { return hub.heard(R"("to":"HUB","type":"reply")"); }));
+}
+
+TEST_F(HubSocketTest, fails_a_ping_that_a_silent_hub_leaves_unanswered) {
+    HubThread hub;
+    const auto client = makeClient(hub.path());
+    join(*client);
+    hub.obey("silent");
+    std::string fault;
+    client->ping(30, [&](const PingResult& result) { fault = result.error().message; });
+    ASSERT_TRUE(eventually([&] {
+        callbacks_.runAll();
+        return !fault.empty();
+    }));
+    EXPECT_EQ(fault, "ping timed out after 30ms");
+}
+
+TEST_F(HubSocketTest, waits_for_a_time_beyond_all_measure) {
+    HubThread hub;
+    const auto client = makeClient(hub.path());
+    join(*client);
+    hub.obey("silent");
+    std::vector<std::string> faults;
+    client->ping(std::numeric_limits<std::int64_t>::max(),
+                 [&](const PingResult& result) { faults.push_back(result.error().message); });
+    client->query("A", "t", {}, std::numeric_limits<std::int64_t>::max(),
+                  [&](const QueryResult& result) { faults.push_back(result.error().message); });
+    client->ping(-5, [&](const PingResult& result) { faults.push_back(result.error().message); });
+    ASSERT_TRUE(eventually([&] {
+        callbacks_.runAll();
+        return !faults.empty();
+    }));
+    EXPECT_THAT(faults, ElementsAre("ping timed out after -5ms"));
+}
+
+TEST_F(HubSocketTest, stays_with_a_hub_that_never_answers_the_announce) {
+    HubThread hub;
+    hub.obey("silent");
+    const auto client = makeClient(hub.path());
+    client->connect("Sonavault", &callbacks_);
+    ASSERT_TRUE(eventually([&] { return hub.heard(R"("type":"announce")"); }));
+    EXPECT_EQ(client->currentState(), State{State::AwaitingAnnounce{}});
+}
+
+TEST_F(HubSocketTest, follows_a_hub_that_stops_and_starts_again) {
+    HubThread hub;
+    const auto client = makeClient(hub.path());
+    client->subscribe("t", [](const SwitchboardMessage&) {});
+    join(*client);
+    ASSERT_TRUE(eventually([&] { return hub.heard(R"("type":"subscribe")"); }));
+    hub.obey("refuse");
+    hub.obey("drop");
+    ASSERT_TRUE(becomes<State::Reconnecting>(*client));
+    hub.obey("accept");
+    ASSERT_TRUE(becomes<State::Connected>(*client));
+    EXPECT_TRUE(eventually([&] { return hub.containing(R"("subscribe")").size() >= 2; }));
+}
+
+TEST_F(HubSocketTest, hears_the_last_words_of_a_hub_that_closes) {
+    HubThread hub;
+    const auto client = makeClient(hub.path());
+    int heard = 0;
+    client->subscribe("t", [&](const SwitchboardMessage&) { ++heard; });
+    join(*client);
+    ASSERT_TRUE(eventually([&] { return hub.heard(R"("type":"subscribe")"); }));
+    for (int i = 0; i < 100; ++i) hub.obeyLater("publish HUB t");
+    hub.obeyLater("drop");
+    ASSERT_TRUE(becomes<State::Reconnecting>(*client));
+    callbacks_.runAll();
+    EXPECT_EQ(heard, 100);
+}
+
+TEST_F(HubSocketTest, gives_its_requests_the_reason_when_a_hub_closes) {
+    HubThread hub;
+    const auto client = makeClient(hub.path());
+    join(*client);
+    hub.obey("silent");
+    std::string reason;
+    client->stateGet("k", [&](const StateGetResult& result) {
+        reason = std::get<SwitchboardError>(result.outcome)
+                     .detail->value("detail")
+                     .toString()
+                     .toStdString();
+    });
+    ASSERT_TRUE(eventually([&] { return hub.heard(R"("type":"state-get")"); }));
+    hub.obey("drop");
+    ASSERT_TRUE(eventually([&] {
+        callbacks_.runAll();
+        return !reason.empty();
+    }));
+    EXPECT_EQ(reason, "NWConnection failed: the hub closed the connection");
+}
+
+TEST_F(HubSocketTest, goes_on_after_rubbish_of_all_kinds) {
+    HubThread hub;
+    const auto client = makeClient(hub.path());
+    join(*client);
+    hub.obey("raw \\n\\n{\\n[]\\n\\xff\\xfe\\x00\\n{\"type\":5}\\n");
+    hub.obey("raw " + std::string(300'000, '[') + "\\n");
+    hub.obey("ping");
+    EXPECT_TRUE(eventually([&] { return hub.heard(R"("to":"HUB","type":"reply")"); }));
+    EXPECT_TRUE(client->currentState().is<State::Connected>());
+}
+
+/// The numbers of the publications that reached the hub; fails for a line that is torn.
+std::vector<int> numbersAt(const HubThread& hub) {
+    std::vector<int> numbers;
+    for (const auto& line : hub.received()) {
+        const auto json = line.substr(line.find('{'));
+        const auto document = QJsonDocument::fromJson(QByteArray::fromStdString(json));
+        if (!document.isObject()) ADD_FAILURE() << "torn: " << json.substr(0, 100);
+        const auto payload = document["payload"].toObject();
+        if (payload.contains("n")) numbers.push_back(payload["n"].toInt());
+    }
+    return numbers;
+}
+
+TEST_F(HubSocketTest, drops_whole_envelopes_when_the_hub_stops_reading_and_keeps_no_more) {
+    constexpr int kEnvelopes = 1000;
+    const QString padding(100'000, 'x');
+    HubThread hub;
+    const auto client = makeClient(hub.path());
+    join(*client);
+    hub.obey("stop-reading");
+    for (int n = 0; n < kEnvelopes; ++n) client->notifyTopic("t", {{"n", n}, {"padding", padding}});
+    EXPECT_TRUE(client->currentState().is<State::Connected>());
+    hub.obey("read");
+    int last = kEnvelopes;
+    ASSERT_TRUE(eventually([&] {
+        client->notifyTopic("t", {{"n", ++last}});
+        const auto numbers = numbersAt(hub);
+        return !numbers.empty() && numbers.back() > kEnvelopes;
+    }));
+    const auto numbers = numbersAt(hub);
+    EXPECT_TRUE(std::is_sorted(numbers.begin(), numbers.end()));
+    const auto kept =
+        std::count_if(numbers.begin(), numbers.end(), [&](int n) { return n < kEnvelopes; });
+    // What the client keeps (4 MiB) and what the system and the hub had room for.
+    EXPECT_GE(kept, 40);
+    EXPECT_LT(kept, 80);
+}
+
+TEST_F(HubSocketTest, reads_no_faster_than_its_callbacks_run_and_loses_nothing) {
+    constexpr int kMessages = 300;
+    QLocalServer server;
+    const QString path = QString::fromStdString(folder_ / "flood.sock");
+    ASSERT_TRUE(server.listen(path));
+    const auto client = makeClient(path.toStdString());
+    std::vector<int> heard;
+    client->subscribe("t", [&](const SwitchboardMessage& message) {
+        heard.push_back(message.payload["n"].toInt());
+    });
+    client->connect("Sonavault", &callbacks_);
+    ASSERT_TRUE(server.waitForNewConnection(20'000));
+    const std::unique_ptr<QLocalSocket> hub(server.nextPendingConnection());
+    const QByteArray padding(100'000, 'x');
+    for (int n = 0; n < kMessages; ++n)
+        hub->write(R"({"type":"notify","from":"A","topic":"t","payload":{"n":)" +
+                   QByteArray::number(n) + R"(,"padding":")" + padding + "\"}}\n");
+    const auto all = hub->bytesToWrite();
+    while (hub->waitForBytesWritten(300)) continue;
+    const auto read = all - hub->bytesToWrite();
+    EXPECT_GT(hub->bytesToWrite(), 0) << "the client read everything";
+    EXPECT_LT(read, 12'000'000);
+    ASSERT_TRUE(eventually([&] {
+        callbacks_.runAll();
+        hub->waitForBytesWritten(1);
+        return heard.size() == kMessages;
+    }));
+    EXPECT_TRUE(std::is_sorted(heard.begin(), heard.end()));
+}
+
+TEST_F(HubSocketTest, takes_a_flood_of_lines_and_answers_the_last) {
+    constexpr int kLines = 100'000;
+    QLocalServer server;
+    const QString path = QString::fromStdString(folder_ / "lines.sock");
+    ASSERT_TRUE(server.listen(path));
+    const auto client = makeClient(path.toStdString());
+    int heard = 0;
+    client->subscribe("t", [&](const SwitchboardMessage&) { ++heard; });
+    client->connect("Sonavault", &callbacks_);
+    ASSERT_TRUE(server.waitForNewConnection(20'000));
+    const std::unique_ptr<QLocalSocket> hub(server.nextPendingConnection());
+    QByteArray lines;
+    for (int n = 0; n < kLines; ++n)
+        lines += n % 2 == 0 ? R"({"type":"notify","from":"A","topic":"t"})"
+                              "\n"
+                            : R"({"type":"notify","from":"A","topic":"other"})"
+                              "\n";
+    hub->write(lines + R"({"type":"ping","from":"A","id":"last"})"
+                       "\n");
+    QByteArray said;
+    EXPECT_TRUE(eventually([&] {
+        callbacks_.runAll();
+        hub->waitForReadyRead(1);
+        said += hub->readAll();
+        return said.contains(R"("ref":"last")");
+    }));
+    callbacks_.runAll();
+    EXPECT_EQ(heard, kLines / 2);
+}
+
+TEST_F(HubSocketTest, can_go_away_in_the_midst_of_everything) {
+    HubThread hub;
+    for (int round = 0; round < 100; ++round) {
+        const auto client = makeClient(hub.path());
+        client->subscribe("t", [](const SwitchboardMessage&) {});
+        client->connect("Sonavault", &callbacks_);
+        client->query("A", "t", {}, 5000, [](const QueryResult&) {});
+        client->ping(1, [](const PingResult&) {});
+        client->stateGet("k", [](const StateGetResult&) {});
+        if (round % 3 == 0) {
+            ASSERT_TRUE(becomes<State::Connected>(*client));
+        }
+        if (round % 4 == 0) client->disconnect();
+        if (round % 5 == 0) hub.obey("drop");
+    }
+    callbacks_.runAll();
+}
+
+}  // namespace
+}  // namespace sonavault::testing
