@@ -17,6 +17,7 @@
 #include <string>
 #include <vector>
 
+#include "Measuring.h"
 #include "platform/LocalTime.h"
 #include "store/DayList.h"
 #include "store/MarkerLogWriter.h"
@@ -32,11 +33,6 @@ constexpr std::int64_t kFrameBytes = 108;  // 24 kbps at 16,000 Hz
 constexpr std::int64_t kDayBytes = 2'400'000 * kFrameBytes;
 constexpr std::int64_t kBlockBytes = std::int64_t{64} << 10;
 constexpr std::int64_t kParts = 64;
-
-class NoLog final : public Log {
-  public:
-    void line(std::string_view) override {}
-};
 
 /// Nothing is recorded and nothing is under review.
 class IdleHost final : public DayListHost {
@@ -113,12 +109,6 @@ class Year {
 const Year& year() {
     static const Year made;
     return made;
-}
-
-double secondsOf(const std::function<void()>& work) {
-    const auto begun = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count();
 }
 
 bool emptyFileCache() {

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "Measuring.h"
 #include "recorder/MarkerIngestion.h"
 #include "store/MarkerLogWriter.h"
 
@@ -57,12 +58,6 @@ std::vector<MarkerWire> aBusyDay() {
                            .label = "Spot number " + std::to_string(i) + ", long",
                            .durationSec = 30.5});
     return markers;
-}
-
-double secondsOf(const std::function<void()>& work) {
-    const auto begin = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
 }
 
 void appendBare(const std::filesystem::path& file, const std::vector<std::string>& rows) {

@@ -15,6 +15,7 @@
 #include <thread>
 #include <vector>
 
+#include "Measuring.h"
 #include "platform/DiskFlusher.h"
 #include "platform/LibAv.h"
 #include "platform/Mp3Decoder.h"
@@ -27,17 +28,6 @@ constexpr std::int64_t kFrameBytes = 108;
 constexpr std::int64_t kFramesOfADay = 2'400'000;  // 24 hours at 16,000 Hz
 constexpr std::int64_t kFramesOfAnHour = kFramesOfADay / 24;
 constexpr int kSamplesOfAFrame = 576;
-
-class NoLog final : public Log {
-  public:
-    void line(std::string_view) override {}
-};
-
-double secondsOf(const std::function<void()>& work) {
-    const auto begin = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
-}
 
 /// What all threads took of the processors, which other programs' load does not change much.
 double processorSecondsOf(const std::function<void()>& work) {

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <vector>
 
+#include "Measuring.h"
 #include "platform/Resampler.h"
 #include "recorder/AudioPipeline.h"
 #include "recorder/SVRecorder.h"
@@ -21,11 +22,6 @@ constexpr AudioFormat kStereo{44100, 2, true};
 constexpr FrameCount kBufferFrames = 4096;
 constexpr int kBuffers = 640;  // about a minute
 constexpr int kGoodKbps = 24;
-
-class NoLog final : public Log {
-  public:
-    void line(std::string_view) override {}
-};
 
 /// A clock that keeps step with the samples, so that nothing is padded.
 class SteadyClock final : public Clock {
@@ -43,12 +39,6 @@ std::vector<float> noisyTone() {
                      static_cast<float>(noise >> 16) / 655360.0F - 0.05F;
     }
     return samples;
-}
-
-double secondsOf(const std::function<void()>& work) {
-    const auto begin = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
 }
 
 /// The yardstick: the two libraries and nothing else.

@@ -15,6 +15,7 @@
 #include <thread>
 #include <vector>
 
+#include "Measuring.h"
 #include "platform/DiskFlusher.h"
 #include "platform/LibAv.h"
 #include "platform/Mp3Decoder.h"
@@ -31,17 +32,6 @@ constexpr std::int64_t kFramesOfThreeMinutes = 5000;
 constexpr int kPartsOfADay = 480;
 constexpr int kSamplesOfAFrame = 576;
 constexpr FrameCount kFirstSamples = 1024;
-
-class NoLog final : public Log {
-  public:
-    void line(std::string_view) override {}
-};
-
-double secondsOf(const std::function<void()>& work) {
-    const auto begin = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
-}
 
 void encodeThreeMinutes(const std::filesystem::path& file) {
     NoLog log;
