@@ -88,7 +88,7 @@ void wholeRoadOfABuffer(benchmark::State& state) {
     const auto file = std::filesystem::temp_directory_path() / "sonavault-bench-recording.mp3";
     double libraries = 0;
     double pipeline = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         libraries += secondsOf([&] { runLibraries(buffer); });
         std::filesystem::remove(file);
         const double road = secondsOf([&] { runPipeline(buffer, file); });
@@ -121,7 +121,7 @@ void existingFramesOfAFullDay(benchmark::State& state) {
     const auto file = std::filesystem::temp_directory_path() / "sonavault-bench-day.mp3";
     makeFullDay(file);
     FrameCount frames = 0;
-    for (auto _ : state) frames = existingFramesAt(file, 22050);
+    while (state.KeepRunning()) frames = existingFramesAt(file, 22050);
     if (frames != 86400LL * 22050) state.SkipWithError("the day's length is wrong");
     std::filesystem::remove(file);
 }

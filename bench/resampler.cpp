@@ -32,7 +32,7 @@ void resamplesToMono(benchmark::State& state) {
     if (!resampler) return state.SkipWithError(resampler.error().c_str());
     double frames = 0;
     const double begun = cpuSeconds();
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         auto mono = resampler.value()->convert({format, kFrames, &plane});
         benchmark::DoNotOptimize(mono);
         frames += kFrames;
