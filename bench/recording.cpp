@@ -35,7 +35,8 @@ std::vector<float> noisyTone() {
     unsigned noise = 1;
     for (std::size_t i = 0; i < samples.size(); ++i) {
         noise = noise * 1664525U + 1013904223U;
-        samples[i] = 0.3F * std::sin(static_cast<float>(i / 2) * 0.05F) +
+        const std::size_t frame = i / 2;
+        samples[i] = 0.3F * std::sin(static_cast<float>(frame) * 0.05F) +
                      static_cast<float>(noise >> 16) / 655360.0F - 0.05F;
     }
     return samples;
