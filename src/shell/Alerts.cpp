@@ -7,7 +7,7 @@
 #include <QPushButton>
 
 #include "shell/ApplicationIcon.h"
-#include "shell/Theme.h"
+#include "views/Theme.h"
 
 namespace sonavault {
 namespace {

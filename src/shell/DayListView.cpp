@@ -3,7 +3,7 @@
 #include <QContextMenuEvent>
 #include <QMenu>
 
-#include "shell/Theme.h"
+#include "views/Theme.h"
 
 namespace sonavault {
 namespace {

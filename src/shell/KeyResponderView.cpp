@@ -2,7 +2,7 @@
 
 #include <QVBoxLayout>
 
-#include "shell/Theme.h"
+#include "views/Theme.h"
 
 namespace sonavault {
 

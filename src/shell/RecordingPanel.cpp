@@ -5,7 +5,7 @@
 #include <QPainter>
 #include <QVBoxLayout>
 
-#include "shell/Theme.h"
+#include "views/Theme.h"
 
 namespace sonavault {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <QFrame>
 
-#include "shell/DotView.h"
 #include "shell/RecordingStatus.h"
-#include "shell/TextView.h"
+#include "views/DotView.h"
+#include "views/TextView.h"
 
 class QGridLayout;
 

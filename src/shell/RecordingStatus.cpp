@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "shell/Theme.h"
 #include "store/RecordingModel.h"
+#include "views/Theme.h"
 
 namespace sonavault {
 namespace {

@@ -1,6 +1,6 @@
 #include "shell/StatusBarView.h"
 
-#include "shell/Theme.h"
+#include "views/Theme.h"
 
 namespace sonavault {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <QWidget>
 
-#include "shell/DotView.h"
-#include "shell/TextView.h"
+#include "views/DotView.h"
+#include "views/TextView.h"
 
 namespace sonavault {
 

@@ -12,7 +12,7 @@
 #include "shell/CommandLine.h"
 #include "shell/DisplayChoice.h"
 #include "shell/StationServices.h"
-#include "shell/Theme.h"
+#include "views/Theme.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "shell/TextView.h"
+#include "views/TextView.h"
 
 namespace sonavault {
 

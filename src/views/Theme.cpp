@@ -1,4 +1,4 @@
-#include "shell/Theme.h"
+#include "views/Theme.h"
 
 #include <cmath>
 

@@ -1,4 +1,4 @@
-#include "shell/DotView.h"
+#include "views/DotView.h"
 
 #include <QPainter>
 

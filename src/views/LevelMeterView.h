@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QWidget>
+
+namespace sonavault {
+
+/// A channel's level as a bar.
+///
+/// Thread: main.
+class LevelMeterView final : public QWidget {
+  public:
+    /// `channel`: its name for a screen reader, as in "left channel".
+    LevelMeterView(const QString& channel, QWidget* parent);
+
+    float level() const;
+
+    /// Redraws only for a change that can be seen, so that it may be set at every tick. Units: dBFS
+    void setLevel(float level);
+};
+
+}  // namespace sonavault

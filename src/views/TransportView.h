@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QWidget>
+#include <functional>
+#include <string>
+
+namespace sonavault {
+
+/// What the buttons of the transport do.
+struct TransportActions {
+    std::function<void()> prevMarkerClicked;
+    std::function<void()> playButtonClicked;
+    std::function<void()> nextMarkerClicked;
+    std::function<void()> inPointClicked;
+    std::function<void()> outPointClicked;
+    std::function<void()> exportClicked;
+};
+
+/// The clock of the playhead, the buttons below it, what was on the air there, and what is
+/// selected.
+///
+/// Thread: main.
+class TransportView final : public QWidget {
+  public:
+    TransportView(TransportActions actions, QWidget* parent);
+
+    // Each does nothing when it is shown already, so that it may be set at every tick.
+    void setTransportTime(const std::string& text);
+    void setNowPlaying(const std::string& text);
+    void showSelectionInfo(const std::string& text, bool canExport);
+
+    /// "▶" or "⏸".
+    void setPlayButtonTitle(const std::string& title);
+};
+
+}  // namespace sonavault
