@@ -10,9 +10,8 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <future>
+#include <memory>
 #include <string>
-#include <thread>
 
 #include "hub/ManualHubNetwork.h"
 #include "hub/SwitchboardClientImpl.h"
@@ -98,33 +97,32 @@ void dispatchesPublicationsInTheTimeOfParsingThem(benchmark::State& state) {
 /// A hub on a socket, on a thread of its own, that says one thing for as long as it lives.
 class ShoutingHub {
   public:
-    ShoutingHub(const std::string& path, QByteArray words)
-        : thread_([this, path, words = std::move(words)] { shout(path, words); }) {
-        listens_.get_future().wait();
+    ShoutingHub(const std::string& path, QByteArray words) : words_(std::move(words)) {
+        queue_.runAndWait([&] {
+            server_ = std::make_unique<QLocalServer>();
+            server_->listen(QString::fromStdString(path));
+        });
+        queue_.post([this] { shout(); });
     }
-    ~ShoutingHub() {
-        ended_ = true;
-        thread_.join();
-    }
+    ~ShoutingHub() { ended_ = true; }
     ShoutingHub(const ShoutingHub&) = delete;
     ShoutingHub& operator=(const ShoutingHub&) = delete;
 
   private:
-    void shout(const std::string& path, const QByteArray& words) {
-        QLocalServer server;
-        const bool listens = server.listen(QString::fromStdString(path));
-        listens_.set_value();
-        if (!listens || !server.waitForNewConnection(5000)) return;
-        const std::unique_ptr<QLocalSocket> connection(server.nextPendingConnection());
-        while (!ended_ && connection->state() == QLocalSocket::ConnectedState) {
-            if (connection->bytesToWrite() < words.size()) connection->write(words);
-            connection->waitForBytesWritten(20);
+    void shout() {
+        while (!ended_ && !server_->waitForNewConnection(50)) continue;
+        const std::unique_ptr<QLocalSocket> program(server_->nextPendingConnection());
+        while (!ended_ && program->state() == QLocalSocket::ConnectedState) {
+            if (program->bytesToWrite() < words_.size()) program->write(words_);
+            program->waitForBytesWritten(20);
         }
+        server_.reset();
     }
 
-    std::promise<void> listens_;
+    const QByteArray words_;
     std::atomic<bool> ended_ = false;
-    std::thread thread_;
+    std::unique_ptr<QLocalServer> server_;  // only on queue_
+    SerialQueue queue_{"bench.hub"};
 };
 
 void workFor(std::chrono::microseconds span) {

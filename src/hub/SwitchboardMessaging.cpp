@@ -8,7 +8,7 @@ namespace sonavault {
 namespace {
 
 /// How often it is looked whether callbacks have run.
-constexpr std::chrono::milliseconds kReceivingPause{5};
+constexpr std::chrono::milliseconds kReceivingPause{10};
 
 QString text(const std::string& utf8) {
     return QString::fromStdString(utf8);

@@ -11,7 +11,7 @@ constexpr std::size_t kMostUndeliveredBytes = 8'388'608;
 
 /// The same in callbacks. Whoever runs them may run all that wait in one turn, and has other things
 /// to do as well: the display's tick must not wait for a hub that shouts.
-constexpr std::size_t kMostUndeliveredCallbacks = 100;
+constexpr std::size_t kMostUndeliveredCallbacks = 40;
 
 /// How much of what came in still waits for its callbacks to run.
 ///

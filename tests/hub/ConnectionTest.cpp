@@ -372,7 +372,7 @@ TEST_F(HubConnectionTest, lets_no_more_callbacks_wait_than_fit_into_one_turn_and
         const int ran = callbacks_.runAll();
         ASSERT_GT(ran, 0);
         ASSERT_LE(ran, static_cast<int>(kMostUndeliveredCallbacks));
-        world_->advance(milliseconds(5));
+        world_->advance(milliseconds(10));
     }
     EXPECT_EQ(heard.size(), std::size_t{kLines});
     EXPECT_TRUE(std::is_sorted(heard.begin(), heard.end()));
@@ -392,7 +392,7 @@ TEST_F(HubConnectionTest, goes_on_with_what_it_had_read_before_the_hub_says_more
     hub().deliver(words + "{\"type\":\"ping\",\"from\":\"A\",\"id\":\"behind\"}\n");
     EXPECT_TRUE(takeSent().empty());
     callbacks_.runAll();
-    world_->advance(milliseconds(5));
+    world_->advance(milliseconds(10));
     EXPECT_EQ(sentOne()["ref"], "behind");
     EXPECT_FALSE(hub().paused);
 }
