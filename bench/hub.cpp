@@ -111,8 +111,8 @@ class ShoutingHub {
   private:
     void shout() {
         while (!ended_ && !server_->waitForNewConnection(50)) continue;
-        const std::unique_ptr<QLocalSocket> program(server_->nextPendingConnection());
-        while (!ended_ && program->state() == QLocalSocket::ConnectedState) {
+        QLocalSocket* const program = server_->nextPendingConnection();  // the server's own
+        while (!ended_ && program && program->state() == QLocalSocket::ConnectedState) {
             if (program->bytesToWrite() < words_.size()) program->write(words_);
             program->waitForBytesWritten(20);
         }
