@@ -46,7 +46,8 @@ class HubConnection {
     /// connection is gone, or when the other side has stopped reading. Thread: any
     virtual void send(std::string line) = 0;
 
-    /// Leaves what comes in to wait where it is, or takes it up again. Thread: the network queue
+    /// Leaves what comes in to wait where it is, the end of the stream included, or takes it up
+    /// again. Thread: the network queue
     virtual void pauseReceiving(bool paused) = 0;
 };
 

@@ -1,16 +1,8 @@
 #include "hub/SocketConnection.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace sonavault {
-namespace {
-
-// More than a socket's own buffer holds, so that the hub's last words are all read.
-constexpr int kMostLastReads = 64;
-
-}  // namespace
-
 SocketConnection::SocketConnection(Executor& queue, std::string path, Handlers handlers)
     : queue_(queue), path_(std::move(path)), handlers_(std::move(handlers)) {}
 
@@ -58,7 +50,7 @@ void SocketConnection::send(std::string line) {
         std::scoped_lock lock(outboxMutex_);
         if (closed_ || unsent_ + line.size() > kMostUnsentBytes) return;
         unsent_ += line.size();
-        outbox_ += line;
+        outbox_.push_back(std::move(line));
         if (std::exchange(flushIsPosted_, true)) return;
     }
     queue_.post([self = shared_from_this()] {
@@ -79,17 +71,9 @@ void SocketConnection::pauseReceiving(bool paused) {
 void SocketConnection::receive() {
     if (!socket_) return;
     const auto read = socket_->read(chunk_);
-    if (!read) return fail(read.error());
-    if (read.value().ended) return fail("the hub closed the connection");
+    if (!read) return fail(sendingFault_.value_or(read.error()));
+    if (read.value().ended) return fail(sendingFault_.value_or("the hub closed the connection"));
     if (read.value().count > 0) handlers_.received({chunk_.data(), read.value().count});
-}
-
-void SocketConnection::receiveWhatIsLeft() {
-    for (int reads = 0; socket_ && reads < kMostLastReads; ++reads) {
-        const auto read = socket_->read(chunk_);
-        if (!read || read.value().count == 0) return;
-        handlers_.received({chunk_.data(), read.value().count});
-    }
 }
 
 // One piece for each time around the event loop, so that a busy sender can't keep the others
@@ -97,24 +81,49 @@ void SocketConnection::receiveWhatIsLeft() {
 void SocketConnection::flush() {
     if (!socket_ || !takeNextPiece()) return;
     const auto taken = socket_->write(std::string_view(piece_).substr(written_));
-    if (!taken) {
-        receiveWhatIsLeft();
-        return fail(taken.error());
-    }
+    if (!taken) return stopSending(taken.error());
     written_ += taken.value();
-    std::scoped_lock lock(outboxMutex_);
-    unsent_ -= taken.value();
-    if (unsent_ > 0) socket_->watchWritable();
+    if (written_ == piece_.size()) letPieceGo();
+    bool isMoreToSend = false;
+    {
+        std::scoped_lock lock(outboxMutex_);
+        unsent_ -= taken.value();
+        isMoreToSend = unsent_ > 0;
+    }
+    if (isMoreToSend) socket_->watchWritable();
 }
 
 /// True when piece_ holds bytes that are still to be written.
 bool SocketConnection::takeNextPiece() {
-    if (written_ < piece_.size()) return true;
-    piece_ = std::string();
-    written_ = 0;
-    std::scoped_lock lock(outboxMutex_);
-    piece_.swap(outbox_);
+    if (!piece_.empty()) return true;
+    std::vector<std::string> lines;
+    {
+        std::scoped_lock lock(outboxMutex_);
+        lines.swap(outbox_);
+    }
+    for (const auto& line : lines) piece_ += line;
     return !piece_.empty();
+}
+
+void SocketConnection::letPieceGo() {
+    std::string().swap(piece_);
+    written_ = 0;
+}
+
+// The hub no longer hears us, but what it said before is still there to be read, now or when
+// receiving is taken up again. Its end comes behind that, whatever the hub itself does.
+void SocketConnection::stopSending(const std::string& error) {
+    sendingFault_ = error;
+    letPieceGo();
+    refuseLines();
+    socket_->shutDown();
+}
+
+void SocketConnection::refuseLines() {
+    std::vector<std::string> dropped;
+    std::scoped_lock lock(outboxMutex_);
+    closed_ = true;
+    outbox_.swap(dropped);
 }
 
 void SocketConnection::fail(const std::string& error) {
@@ -126,10 +135,8 @@ void SocketConnection::fail(const std::string& error) {
 void SocketConnection::close() {
     if (socket_) queue_.post([closed = std::shared_ptr<LocalSocket>(std::move(socket_))] {});
     socket_.reset();
-    std::string dropped;
-    std::scoped_lock lock(outboxMutex_);
-    closed_ = true;
-    outbox_.swap(dropped);
+    letPieceGo();
+    refuseLines();
 }
 
 void SocketConnection::tell(ConnectionEvent::Kind kind, const std::string& error) {

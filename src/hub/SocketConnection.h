@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,9 +37,11 @@ class SocketConnection final : public HubConnection,
   private:
     void connectNow();
     void receive();
-    void receiveWhatIsLeft();
     void flush();
     bool takeNextPiece();
+    void letPieceGo();
+    void stopSending(const std::string& error);
+    void refuseLines();
     void fail(const std::string& error);
     void close();
     void tell(ConnectionEvent::Kind kind, const std::string& error = {});
@@ -51,15 +54,16 @@ class SocketConnection final : public HubConnection,
     std::unique_ptr<LocalSocket> socket_;
     bool cancelled_ = false;
     bool paused_ = false;
-    std::string piece_;  // being written
+    std::string piece_;  // being written; empty when there is nothing to write
     std::size_t written_ = 0;
+    std::optional<std::string> sendingFault_;
     std::vector<char> chunk_;
 
     std::mutex outboxMutex_;
-    std::string outbox_;          // guarded by outboxMutex_: whole lines behind piece_
-    std::size_t unsent_ = 0;      // guarded by outboxMutex_: of outbox_ and piece_
-    bool flushIsPosted_ = false;  // guarded by outboxMutex_
-    bool closed_ = false;         // guarded by outboxMutex_
+    std::vector<std::string> outbox_;  // guarded by outboxMutex_: whole lines behind piece_
+    std::size_t unsent_ = 0;           // guarded by outboxMutex_: bytes of outbox_ and piece_
+    bool flushIsPosted_ = false;       // guarded by outboxMutex_
+    bool closed_ = false;              // guarded by outboxMutex_
 };
 
 }  // namespace sonavault

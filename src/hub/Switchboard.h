@@ -15,7 +15,8 @@
 
 namespace sonavault {
 
-constexpr std::int64_t kPublicDefaultQueryTimeoutMs = 5000;
+/// What a query takes when its caller names no limit.
+constexpr std::int64_t kPublicDefaultQueryTimeoutMs = kDefaultQueryTimeoutMs;
 
 /// The only way in to the process's hub client: functions over the one client of the process, with
 /// nothing of their own. What each does stands with SwitchboardClientImpl.

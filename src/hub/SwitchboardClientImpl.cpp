@@ -40,7 +40,7 @@ SwitchboardClientImpl::~SwitchboardClientImpl() {
 
 void SwitchboardClientImpl::letGo() {
     cancelReconnectTimer();
-    if (receivingTimer_) receivingTimer_->cancel();
+    forgetReceived();
     for (const auto& request : pending_.takeAll())
         if (request.timer) request.timer->cancel();
     replaceConnection(nullptr);
@@ -98,12 +98,10 @@ void SwitchboardClientImpl::addStateObserver(StateObserver observer) {
 }
 
 void SwitchboardClientImpl::startNWConnection() {
-    if (receivingTimer_) receivingTimer_->cancel();
-    receivingTimer_.reset();
-    readBuffer_.clear();
+    forgetReceived();
     auto connection = network_->makeConnection(
         socketPath_, {.event = [this](const ConnectionEvent& event) { handleNWStateUpdate(event); },
-                      .received = [this](std::string_view bytes) { drainBuffer(bytes); }});
+                      .received = [this](std::string_view bytes) { receive(bytes); }});
     replaceConnection(connection);
     connection->start();
 }
@@ -175,7 +173,15 @@ void SwitchboardClientImpl::cancelReconnectTimer() {
     reconnectTimer_.reset();
 }
 
+/// Whatever is left of the former connection, half a line included.
+void SwitchboardClientImpl::forgetReceived() {
+    if (receivingTimer_) receivingTimer_->cancel();
+    receivingTimer_.reset();
+    readBuffer_.clear();
+}
+
 void SwitchboardClientImpl::cancelConnection() {
+    forgetReceived();
     if (const auto former = replaceConnection(nullptr)) former->cancel();
 }
 

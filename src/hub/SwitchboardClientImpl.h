@@ -18,7 +18,7 @@
 #include "hub/RequestRules.h"
 #include "hub/Subscriptions.h"
 #include "hub/SwitchboardState.h"
-#include "hub/UndeliveredBytes.h"
+#include "hub/Undelivered.h"
 #include "platform/Clock.h"
 #include "platform/Executor.h"
 #include "platform/SerialQueue.h"
@@ -120,13 +120,15 @@ class SwitchboardClientImpl {
     std::shared_ptr<HubConnection> replaceConnection(std::shared_ptr<HubConnection> connection);
 
     // What comes in, only on the network queue.
-    void drainBuffer(std::string_view bytes);
-    void dispatchIncoming(Envelope&& envelope, std::size_t lineBytes);
+    void receive(std::string_view bytes);
+    void drainBuffer();
+    void dispatchIncoming(Envelope&& envelope, std::size_t decodedBytes);
     bool dispatchHandshake(const Envelope& envelope);
-    void dispatchReply(Envelope&& envelope, std::size_t lineBytes);
+    void dispatchReply(Envelope&& envelope, std::size_t decodedBytes);
     void dispatchPing(const Envelope& envelope);
-    void dispatchNotify(Envelope&& envelope, std::size_t lineBytes);
+    void dispatchNotify(Envelope&& envelope, std::size_t decodedBytes);
     void waitForCallbacks();
+    void forgetReceived();
     void resubscribeAll();
     void failOutstandingRequests(const std::string& reason);
 
@@ -151,7 +153,7 @@ class SwitchboardClientImpl {
 
     Subscriptions subscriptions_;
     PendingRequests pending_;
-    const UndeliveredBytes undelivered_;
+    const Undelivered undelivered_;
 
     // Only on the network queue.
     LineSplitter readBuffer_;

@@ -1,18 +1,14 @@
 #include <QJsonArray>
 #include <utility>
 
+#include "hub/DecodedSize.h"
 #include "hub/SwitchboardClientImpl.h"
 
 namespace sonavault {
 namespace {
 
-/// What may wait for its callbacks before nothing more is read. Units: bytes
-constexpr std::size_t kMostUndeliveredBytes = 8'388'608;
-
-/// About what a queued callback takes besides its message. Units: bytes
-constexpr std::size_t kBytesOfACallback = 256;
-
-constexpr std::chrono::milliseconds kReceivingPause{20};
+/// How often it is looked whether callbacks have run.
+constexpr std::chrono::milliseconds kReceivingPause{10};
 
 QString text(const std::string& utf8) {
     return QString::fromStdString(utf8);
@@ -21,7 +17,7 @@ QString text(const std::string& utf8) {
 /// A message on its way to its callbacks.
 struct Delivery {
     SwitchboardMessage message;
-    std::shared_ptr<const UndeliveredBytes::Share> share;
+    std::shared_ptr<const Undelivered::Share> share;
 };
 
 }  // namespace
@@ -129,22 +125,30 @@ void SwitchboardClientImpl::ask(const Envelope& envelope, PendingRequests::Reque
     send(envelope);
 }
 
-void SwitchboardClientImpl::drainBuffer(std::string_view bytes) {
+void SwitchboardClientImpl::receive(std::string_view bytes) {
     readBuffer_.append(bytes);
-    while (const auto line = readBuffer_.next())
-        if (auto envelope = Envelope::decode(*line); envelope)
-            dispatchIncoming(std::move(envelope.value()), line->size());
-    waitForCallbacks();
+    if (!receivingTimer_) drainBuffer();
+}
+
+// Stops between two lines once enough callbacks wait: the rest has its turn when they ran.
+void SwitchboardClientImpl::drainBuffer() {
+    while (const auto line = readBuffer_.next()) {
+        const std::size_t size = decodedSize(*line);
+        if (size > kMostBytesOfADecodedLine) continue;
+        if (auto envelope = Envelope::decode(*line))
+            dispatchIncoming(std::move(envelope.value()), size);
+        if (undelivered_.isTooMuch()) return waitForCallbacks();
+    }
 }
 
 // The order of the rules is part of the wire: the answer to the announce bears a `ref` too.
-void SwitchboardClientImpl::dispatchIncoming(Envelope&& envelope, std::size_t lineBytes) {
+void SwitchboardClientImpl::dispatchIncoming(Envelope&& envelope, std::size_t decodedBytes) {
     if (envelope.type == "reply") {
-        if (!dispatchHandshake(envelope)) dispatchReply(std::move(envelope), lineBytes);
+        if (!dispatchHandshake(envelope)) dispatchReply(std::move(envelope), decodedBytes);
     } else if (envelope.type == "ping") {
         dispatchPing(envelope);
     } else if (envelope.type == "notify") {
-        dispatchNotify(std::move(envelope), lineBytes);
+        dispatchNotify(std::move(envelope), decodedBytes);
     }
 }
 
@@ -157,14 +161,13 @@ bool SwitchboardClientImpl::dispatchHandshake(const Envelope& envelope) {
     return true;
 }
 
-void SwitchboardClientImpl::dispatchReply(Envelope&& envelope, std::size_t lineBytes) {
+void SwitchboardClientImpl::dispatchReply(Envelope&& envelope, std::size_t decodedBytes) {
     if (!envelope.ref) return;
     auto request = pending_.take(*envelope.ref);
     if (request.timer) request.timer->cancel();
     if (!request.replied) return;
-    const auto delivery =
-        std::make_shared<const Delivery>(Delivery{SwitchboardMessage::of(std::move(envelope)),
-                                                  undelivered_.add(lineBytes + kBytesOfACallback)});
+    const auto delivery = std::make_shared<const Delivery>(
+        Delivery{SwitchboardMessage::of(std::move(envelope)), undelivered_.add(1, decodedBytes)});
     callbackQueue().post(
         [replied = std::move(request.replied), delivery] { replied(delivery->message); });
 }
@@ -177,11 +180,11 @@ void SwitchboardClientImpl::dispatchPing(const Envelope& envelope) {
     send(*reply);
 }
 
-void SwitchboardClientImpl::dispatchNotify(Envelope&& envelope, std::size_t lineBytes) {
+void SwitchboardClientImpl::dispatchNotify(Envelope&& envelope, std::size_t decodedBytes) {
     if (!envelope.topic) return;
     const auto handlers = subscriptions_.handlers(*envelope.topic);
     if (handlers.empty()) return;
-    auto share = undelivered_.add(lineBytes + handlers.size() * kBytesOfACallback);
+    auto share = undelivered_.add(handlers.size(), decodedBytes);
     const auto delivery = std::make_shared<const Delivery>(
         Delivery{SwitchboardMessage::of(std::move(envelope)), std::move(share)});
     Executor& queue = callbackQueue();
@@ -189,16 +192,16 @@ void SwitchboardClientImpl::dispatchNotify(Envelope&& envelope, std::size_t line
         queue.post([handler, delivery] { (*handler)(delivery->message); });
 }
 
-// A hub that speaks faster than its listeners listen has to wait, or what waits for them would fill
-// the memory. Asked again by the clock, for the callbacks may end on a thread that outlives us.
+// A hub that speaks faster than its listeners listen has to wait, or it would fill the memory and
+// take their whole time. Asked again by the clock, for the callbacks may end on a thread that
+// outlives us.
 void SwitchboardClientImpl::waitForCallbacks() {
-    if (receivingTimer_ || !connection_ || undelivered_.total() <= kMostUndeliveredBytes) return;
-    connection_->pauseReceiving(true);
+    if (connection_) connection_->pauseReceiving(true);
     receivingTimer_ = network_->makeTimer(kReceivingPause, [this] {
         receivingTimer_.reset();
-        if (undelivered_.total() <= kMostUndeliveredBytes && connection_)
-            connection_->pauseReceiving(false);
-        waitForCallbacks();
+        if (undelivered_.isTooMuch()) return waitForCallbacks();
+        drainBuffer();
+        if (!receivingTimer_ && connection_) connection_->pauseReceiving(false);
     });
     receivingTimer_->resume();
 }

@@ -2,17 +2,16 @@
 
 #include "hub/HubNetwork.h"
 #include "platform/SerialQueue.h"
-#include "platform/ThisThread.h"
 
 namespace sonavault {
 
 /// The machine's own sockets and timers, on a thread called "com.calderwave.switchboard.network".
-/// It yields to all others: what the hub has to say must never cost a recording its turn. The
-/// application object must exist before it is made.
+/// The application object must exist before it is made.
+///
+/// The thread has the priority of all others: it shares short locks with the main thread, which
+/// would wait for as long as a thread that yields is kept from its turn while it holds one.
 class SystemHubNetwork final : public HubNetwork {
   public:
-    SystemHubNetwork() { queue_.post(yieldToOthersOnThisThread); }
-
     void runAndWait(const std::function<void()>& task) override { queue_.runAndWait(task); }
     std::shared_ptr<HubTimer> makeTimer(std::chrono::milliseconds delay,
                                         std::function<void()> handler) override;

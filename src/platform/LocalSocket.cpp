@@ -93,4 +93,9 @@ Result<std::size_t> LocalSocket::write(std::string_view bytes) {
     return Result<std::size_t>::failure(systemWords(errno));
 }
 
+void LocalSocket::shutDown() {
+    // Refused only when the stream has ended already.
+    ::shutdown(descriptor_, SHUT_RDWR);
+}
+
 }  // namespace sonavault

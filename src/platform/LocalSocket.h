@@ -50,6 +50,9 @@ class LocalSocket {
     /// Gives how many bytes were taken, 0 when there is no room now.
     Result<std::size_t> write(std::string_view bytes);
 
+    /// Ends the stream in both directions. What came in before can still be read, and then the end.
+    void shutDown();
+
   private:
     const int descriptor_;
     std::function<void()> readable_;

@@ -132,7 +132,7 @@ void StationIntegration::publishAircheckSaved(const SavedAircheck& aircheck) {
 void StationIntegration::handleCadenzoPlaybackStateChanged(const QJsonObject& payload) {
     const auto event = PlaybackEvent::from(payload);
     if (!event) {
-        log_.line(missingStateLine(payload));
+        log_.line(onOneLine(missingStateLine(payload)));
         return;
     }
     const std::string at = event->at.value_or(isoNowString());

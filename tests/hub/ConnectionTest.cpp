@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdint>
 
 #include "hub/ClientFixture.h"
@@ -350,6 +351,88 @@ TEST_F(HubConnectionTest, stops_reading_while_callbacks_lag_behind_and_goes_on_w
     world_->advance(milliseconds(20));
     EXPECT_FALSE(hub().paused);
     EXPECT_TRUE(world_->waitingDelays().empty());
+}
+
+TEST_F(HubConnectionTest, lets_no_more_callbacks_wait_than_fit_into_one_turn_and_loses_none) {
+    constexpr int kLines = 20'000;
+    join();
+    callbacks_.runAll();
+    std::vector<int> heard;
+    client_->subscribe("t", [&](const SwitchboardMessage& message) {
+        heard.push_back(message.payload["n"].toInt());
+    });
+    client_->subscribe("t", [](const SwitchboardMessage&) {});
+    std::string flood;
+    for (int n = 0; n < kLines; ++n)
+        flood += R"({"type":"notify","from":"A","topic":"t","payload":{"n":)" + std::to_string(n) +
+                 "}}\n";
+    hub().deliver(flood);
+    EXPECT_TRUE(hub().paused);
+    for (int turn = 0; turn < kLines && heard.size() < kLines; ++turn) {
+        const int ran = callbacks_.runAll();
+        ASSERT_GT(ran, 0);
+        ASSERT_LE(ran, static_cast<int>(kMostUndeliveredCallbacks));
+        world_->advance(milliseconds(10));
+    }
+    EXPECT_EQ(heard.size(), std::size_t{kLines});
+    EXPECT_TRUE(std::is_sorted(heard.begin(), heard.end()));
+    EXPECT_EQ(callbacks_.runAll(), 0);
+    EXPECT_FALSE(hub().paused);
+    EXPECT_TRUE(world_->waitingDelays().empty());
+}
+
+TEST_F(HubConnectionTest, goes_on_with_what_it_had_read_before_the_hub_says_more) {
+    join();
+    takeSent();
+    client_->subscribe("t", [](const SwitchboardMessage&) {});
+    const std::string line = "{\"type\":\"notify\",\"from\":\"A\",\"topic\":\"t\"}\n";
+    std::string words;
+    for (std::size_t n = 0; n < kMostUndeliveredCallbacks; ++n) words += line;
+    hub().sent.clear();
+    hub().deliver(words + "{\"type\":\"ping\",\"from\":\"A\",\"id\":\"behind\"}\n");
+    EXPECT_TRUE(takeSent().empty());
+    callbacks_.runAll();
+    world_->advance(milliseconds(10));
+    EXPECT_EQ(sentOne()["ref"], "behind");
+    EXPECT_FALSE(hub().paused);
+}
+
+TEST_F(HubConnectionTest, counts_what_a_message_takes_once_it_is_decoded) {
+    join();
+    client_->subscribe("t", [](const SwitchboardMessage&) {});
+    std::string lists = "[1]";
+    for (int n = 0; n < 15'000; ++n) lists += ",[1]";
+    std::size_t said = 0;
+    while (said < kMostUndeliveredBytes && !hub().paused) {
+        hubSays(R"({"type":"notify","from":"A","topic":"t","payload":{"lists":[)" + lists + "]}}");
+        said += lists.size();
+    }
+    EXPECT_LT(said, kMostUndeliveredBytes / 20);
+}
+
+TEST_F(HubConnectionTest, does_not_decode_a_line_that_would_fill_the_memory) {
+    join();
+    takeSent();
+    std::string lists = R"({"type":"ping","from":"A","id":"huge","payload":{"x":[1)";
+    for (int n = 0; n < 400'000; ++n) lists += ",[1]";
+    hubSays(lists + "]}}");
+    hubSays(R"({"type":"ping","from":"A","id":"next"})");
+    EXPECT_EQ(sentOne()["ref"], "next");
+    EXPECT_TRUE(client_->currentState().is<State::Connected>());
+}
+
+TEST_F(HubConnectionTest, forgets_what_was_left_of_a_connection_that_was_given_up) {
+    join();
+    client_->subscribe("t", [](const SwitchboardMessage&) {});
+    callbacks_.runAll();
+    std::string words;
+    for (std::size_t n = 0; n < 2 * kMostUndeliveredCallbacks; ++n)
+        words += "{\"type\":\"notify\",\"from\":\"A\",\"topic\":\"t\"}\n";
+    hub().deliver(words);
+    ASSERT_TRUE(hub().paused);
+    client_->disconnect();
+    EXPECT_TRUE(world_->waitingDelays().empty());
+    EXPECT_EQ(callbacks_.runAll(), static_cast<int>(kMostUndeliveredCallbacks) + 1);
 }
 
 TEST_F(HubConnectionTest, reads_a_new_connection_though_callbacks_lag_behind) {

@@ -464,6 +464,43 @@ TEST_F(HubMessagingTest, fails_a_request_that_waits_for_an_absent_hub_with_its_r
     EXPECT_EQ(error.detail->value("detail"), "NWConnection waiting: No such file or directory");
 }
 
+TEST_F(HubMessagingTest, fails_a_query_made_while_reconnecting_with_the_next_break) {
+    join();
+    hub().tell(Kind::failed, "broken");
+    ASSERT_TRUE(client_->currentState().is<State::Reconnecting>());
+    takeSent();
+    query(60'000);
+    world_->advance(milliseconds(500));
+    ASSERT_EQ(client_->currentState(), State{State::Connecting{1}});
+    EXPECT_THAT(takeSent(), IsEmpty()) << "the query belonged to no connection";
+    callbacks_.runAll();
+    EXPECT_THAT(results_, IsEmpty());
+    hub().tell(Kind::waiting, "Connection refused");
+    callbacks_.runAll();
+    ASSERT_EQ(results_.size(), 1U);
+    EXPECT_EQ(results_[0].error().hubErrorCode, "connection_lost");
+    EXPECT_EQ(results_[0].error().detail->value("detail"),
+              "NWConnection waiting: Connection refused");
+    EXPECT_THAT(world_->waitingDelays(), ElementsAre(1000)) << "only the next attempt waits";
+}
+
+TEST_F(HubMessagingTest, keeps_nothing_of_what_is_published_without_a_hub) {
+    connect();
+    hub().tell(Kind::waiting, "No such file or directory");
+    callbacks_.runAll();
+    const auto timers = world_->timers.size();
+    for (int second = 0; second < 20; second += 2) {
+        client_->stateSet("sonavault.current-recording", QJsonObject{{"second", second}});
+        client_->notifyTopic("sonavault.recording-state-changed", {{"state", "started"}});
+    }
+    EXPECT_EQ(world_->timers.size(), timers);
+    EXPECT_EQ(callbacks_.runAll(), 0);
+    EXPECT_THAT(takeSent(), IsEmpty());
+    world_->advance(milliseconds(500));
+    acceptConnection();
+    EXPECT_EQ(sentOne()["type"], "announce") << "and nothing of the past";
+}
+
 TEST_F(HubMessagingTest, fails_every_request_with_a_disconnect) {
     join();
     query();

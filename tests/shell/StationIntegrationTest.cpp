@@ -98,6 +98,34 @@ TEST_F(StationIntegrationTest, says_so_no_more_often_than_every_two_seconds) {
     EXPECT_LE(hub_.timesSet.at(kCurrent), 11);
 }
 
+TEST_F(StationIntegrationTest, waits_for_more_than_two_seconds_between_one_and_the_next) {
+    launch();
+    StationIntegration& station = controller().station();
+    const double first = 1'772'456'709;
+    station.publishCurrentRecordingStateIfDue(first);
+    station.publishCurrentRecordingStateIfDue(first + 1.9);
+    station.publishCurrentRecordingStateIfDue(first + 2);
+    EXPECT_EQ(hub_.timesSet.at(kCurrent), 1);
+    station.publishCurrentRecordingStateIfDue(first + 2.001);
+    EXPECT_EQ(hub_.timesSet.at(kCurrent), 2);
+    station.publishCurrentRecordingStateIfDue(first + 4);
+    EXPECT_EQ(hub_.timesSet.at(kCurrent), 2) << "counted from the last one";
+}
+
+TEST_F(StationIntegrationTest, goes_on_when_the_clock_is_set_back) {
+    launch();
+    tickOnce();
+    ASSERT_EQ(hub_.timesSet.at(kCurrent), 1);
+    clock_.advance(-3600);
+    tickOnce();
+    EXPECT_EQ(hub_.timesSet.at(kCurrent), 2);
+    tickOnce();
+    EXPECT_EQ(hub_.timesSet.at(kCurrent), 2);
+    passSeconds(10);
+    EXPECT_GE(hub_.timesSet.at(kCurrent), 6);
+    EXPECT_LE(hub_.timesSet.at(kCurrent), 7);
+}
+
 TEST_F(StationIntegrationTest, tells_the_others_when_recording_begins_and_ends) {
     launch();
     tickOnce();
@@ -238,6 +266,8 @@ TEST_F(StationIntegrationTest, names_what_an_event_without_a_state_had_instead) 
     EXPECT_EQ(
         log_.containing("missing state field; keys=[cause]; payload={\"cause\":\"x\"}").size(), 1U);
     EXPECT_EQ(log(), "timestamp,event,label,duration\n");
+    automationSays({{"a\nSonavault: all is well", "x"}});
+    EXPECT_TRUE(log_.containing("\n").empty());
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <filesystem>
+#include <fstream>
 
 #include "links/Eventually.h"
 #include "support/TempFolder.h"
@@ -99,6 +100,7 @@ TEST_F(DemoHubTest, answers_a_query_itself_when_its_recipient_does_not) {
     client_.write(
         "{\"type\":\"query\",\"from\":\"A\",\"to\":\"A\",\"id\":\"q\",\"timeout_ms\":20}\n");
     EXPECT_THAT(hears("timeout\""), HasSubstr(R"("payload":{"error":"timeout"},"ref":"q")"));
+    EXPECT_EQ(hub_.router().openQueryCount(), 0U);
 }
 
 TEST_F(DemoHubTest, drops_its_clients_and_takes_them_again) {
@@ -180,6 +182,21 @@ TEST_F(DemoHubTest, takes_no_others_place_but_that_of_a_hub_that_died) {
     }
     DemoHub successor(left, [](const std::string&) {});
     EXPECT_TRUE(successor.listen());
+}
+
+TEST_F(DemoHubTest, leaves_a_file_that_is_no_socket_alone) {
+    const std::string file = folder_ / "notes.txt";
+    const std::string link = folder_ / "link.sock";
+    std::ofstream(file) << "precious";
+    std::filesystem::create_symlink(file, link);
+    for (const auto& occupied : {file, link, folder_.path().string()}) {
+        DemoHub hub(occupied, [](const std::string&) {});
+        const auto outcome = hub.listen();
+        ASSERT_FALSE(outcome);
+        EXPECT_EQ(outcome.error(), occupied + ": is no socket");
+    }
+    EXPECT_EQ(std::filesystem::file_size(file), 8U);
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
 }
 
 }  // namespace

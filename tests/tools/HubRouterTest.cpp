@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QJsonArray>
+#include <limits>
 
 namespace sonavault::demohub {
 namespace {
@@ -103,6 +104,30 @@ TEST_F(HubRouterTest, answers_a_query_that_nobody_answers_in_time) {
                   {.id = "q", .type = "query", .from = "Sonavault", .to = "Cadenzo", .topic = "t"});
     EXPECT_THAT(hub_.queryTimedOut("q"),
                 ElementsAre(Outgoing{kSonavault, reply("Sonavault", "q", {{"error", "timeout"}})}));
+}
+
+TEST_F(HubRouterTest, remembers_a_query_until_it_is_answered_given_up_or_left) {
+    const auto ask = [&](const std::string& id) {
+        hub_.received(kSonavault,
+                      {.id = id, .type = "query", .from = "Sonavault", .to = "Cadenzo"});
+    };
+    ask("answered");
+    ask("given up");
+    ask("left");
+    EXPECT_EQ(hub_.openQueryCount(), 3U);
+    hub_.received(kCadenzo, {.type = "reply", .from = "Cadenzo", .ref = "answered"});
+    EXPECT_EQ(hub_.openQueryCount(), 2U);
+    hub_.queryTimedOut("given up");
+    EXPECT_EQ(hub_.openQueryCount(), 1U);
+    hub_.left(kSonavault);
+    EXPECT_EQ(hub_.openQueryCount(), 0U);
+}
+
+TEST(QueryLimit, is_what_the_query_asks_for_within_bounds) {
+    EXPECT_EQ(queryLimitMs({.timeoutMs = 20}), 20);
+    EXPECT_EQ(queryLimitMs({}), 5000);
+    EXPECT_EQ(queryLimitMs({.timeoutMs = -7}), 0);
+    EXPECT_EQ(queryLimitMs({.timeoutMs = std::numeric_limits<std::int64_t>::max()}), 3'600'000);
 }
 
 TEST_F(HubRouterTest, refuses_a_query_to_a_stranger) {

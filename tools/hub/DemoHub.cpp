@@ -15,6 +15,14 @@ std::string numbered(int number) {
     return "#" + std::to_string(number) + " ";
 }
 
+/// A person's file must not make room for a hub.
+bool isSomethingElse(const std::string& path) {
+    std::error_code ignored;
+    const auto type = std::filesystem::symlink_status(path, ignored).type();
+    return type != std::filesystem::file_type::not_found &&
+           type != std::filesystem::file_type::socket;
+}
+
 /// Nobody answers where a hub has died and left its socket.
 bool somebodyListens(const QString& path) {
     QLocalSocket probe;
@@ -36,6 +44,7 @@ Outcome DemoHub::listen() {
     const QString path = QString::fromStdString(path_);
     std::error_code ignored;
     std::filesystem::create_directories(std::filesystem::path(path_).parent_path(), ignored);
+    if (isSomethingElse(path_)) return Outcome::failure(path_ + ": is no socket");
     if (somebodyListens(path)) return Outcome::failure(path_ + ": somebody listens there already");
     QLocalServer::removeServer(path);
     auto server = std::make_unique<QLocalServer>();
@@ -121,8 +130,9 @@ void DemoHub::handleLine(int number, const std::string& line) {
     if (!envelope) return say_(numbered(number) + envelope.error().description());
     const Envelope& read = envelope.value();
     send(router_.received(number, read));
-    if (read.type == "query" && read.id && read.timeoutMs)
-        later_.after(*read.timeoutMs, [this, id = *read.id] { send(router_.queryTimedOut(id)); });
+    if (read.type == "query" && read.id)
+        later_.after(queryLimitMs(read),
+                     [this, id = *read.id] { send(router_.queryTimedOut(id)); });
 }
 
 void DemoHub::ended(int number) {

@@ -26,7 +26,8 @@ class DemoHub {
     DemoHub(const DemoHub&) = delete;
     DemoHub& operator=(const DemoHub&) = delete;
 
-    /// Takes the place of a hub that ended without removing its socket. Errors: in words.
+    /// Takes the place of a hub that ended without removing its socket, and of nothing else.
+    /// Errors: in words.
     Outcome listen();
 
     void obey(const HubCommand& command);

@@ -1,10 +1,14 @@
 #include "hub/HubRouter.h"
 
 #include <QJsonArray>
+#include <algorithm>
 #include <utility>
 
 namespace sonavault::demohub {
 namespace {
+
+constexpr std::int64_t kUsualQueryLimitMs = 5000;
+constexpr std::int64_t kLongestQueryLimitMs = 3'600'000;
 
 Envelope replyOfTheHub(const Envelope& asked, QJsonObject payload) {
     Envelope reply;
@@ -26,6 +30,11 @@ QJsonArray recipientsOf(const Envelope& envelope) {
 }
 
 }  // namespace
+
+std::int64_t queryLimitMs(const Envelope& query) {
+    return std::clamp<std::int64_t>(query.timeoutMs.value_or(kUsualQueryLimitMs), 0,
+                                    kLongestQueryLimitMs);
+}
 
 std::vector<Outgoing> HubRouter::received(int connection, const Envelope& envelope) {
     if (envelope.type == "announce") return announce(connection, envelope);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <set>
 #include <string>
@@ -17,6 +18,10 @@ struct Outgoing {
     bool operator==(const Outgoing&) const = default;
 };
 
+/// How long a query may wait for its answer: what it asks for itself, within bounds, so that no
+/// query is remembered for ever. Units: milliseconds
+std::int64_t queryLimitMs(const Envelope& query);
+
 /// What a hub knows and does, apart from its sockets: who is there, who listens to what, which
 /// values are kept and which queries wait.
 class HubRouter {
@@ -33,6 +38,9 @@ class HubRouter {
 
     /// The asker's own limit has passed: the hub's answer, unless there was one before.
     std::vector<Outgoing> queryTimedOut(const std::string& id);
+
+    /// How many queries were neither answered nor given up.
+    std::size_t openQueryCount() const { return askers_.size(); }
 
     const QJsonObject& state() const { return state_; }
 
