@@ -22,6 +22,10 @@ void describe(QCommandLineParser& parser) {
                       "folder Calderwave/Station in it.",
                       "folder"});
     parser.addOption({"recordings", "The folder itself that the days go into.", "folder"});
+    parser.addOption({"airchecks",
+                      "The program's preferences of that home, in which two scheduled airchecks "
+                      "are to be stored in place of any others.",
+                      "file"});
     parser.addOption({"seed", "Another number, other days (1).", "number", "1"});
 }
 
@@ -56,6 +60,7 @@ Result<PastDaysOptions> parsePastDaysOptions(const QStringList& arguments) {
         return Parsed::failure("--seed: \"" + parser.value("seed").toStdString() +
                                "\" is not possible here");
     options.seed = static_cast<unsigned>(seed);
+    options.airchecks = parser.value("airchecks").toStdString();
     const auto recordings = recordingsOf(parser);
     if (!recordings) return Parsed::failure(recordings.error());
     options.recordings = recordings.value();

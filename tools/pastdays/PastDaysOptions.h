@@ -11,6 +11,7 @@ namespace sonavault::pastdays {
 /// What the program was asked to do.
 struct PastDaysOptions {
     std::filesystem::path recordings;  ///< where the days go
+    std::filesystem::path airchecks;   ///< preferences that get scheduled airchecks; may be empty
     unsigned seed = 1;                 ///< another seed, other days
     bool wantsHelp = false;            ///< nothing else matters then
     bool wantsVersion = false;         ///< nor then
