@@ -48,8 +48,8 @@ Result<PastDaysOptions> parsePastDaysOptions(const QStringList& arguments) {
     describe(parser);
     if (!parser.parse(arguments)) return Parsed::failure(parser.errorText().toStdString());
     if (!parser.positionalArguments().isEmpty())
-        return Parsed::failure("\"" + parser.positionalArguments().first().toStdString() +
-                               "\" is no option");
+        return Parsed::failure(
+            QString("\"%1\" is no option").arg(parser.positionalArguments().first()).toStdString());
     PastDaysOptions options;
     options.wantsHelp = parser.isSet("help");
     options.wantsVersion = parser.isSet("version");

@@ -6,6 +6,16 @@
 #include "automation/Signal.h"
 
 namespace sonavault::pastdays {
+namespace {
+
+/// The hyperbolic tangent to within 3 %, several times as fast.
+float bent(float sample) {
+    const float within = std::clamp(sample, -3.0F, 3.0F);
+    const float square = within * within;
+    return within * (27 + square) / (27 + 9 * square);
+}
+
+}  // namespace
 
 void level(Samples& samples, double dBFS) {
     double energy = 0;
@@ -13,7 +23,7 @@ void level(Samples& samples, double dBFS) {
     if (energy == 0) return;
     const double rms = std::sqrt(energy / static_cast<double>(samples.size()));
     const float gain = automation::gainFromDb(dBFS) / static_cast<float>(rms);
-    for (float& sample : samples) sample = std::tanh(gain * sample);
+    for (float& sample : samples) sample = bent(gain * sample);
 }
 
 void fade(Samples& samples, double in, double out) {
