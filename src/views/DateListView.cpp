@@ -5,6 +5,7 @@
 #include <QWheelEvent>
 #include <algorithm>
 
+#include "views/DateListAccessible.h"
 #include "views/DateRowView.h"
 #include "views/Hints.h"
 #include "views/OverlayScrollBar.h"
@@ -47,7 +48,11 @@ QPalette groundPalette() {
 }  // namespace
 
 DateListView::DateListView(DateListHost& host, QWidget* parent)
-    : QScrollArea(parent), host_(host), content_(new QWidget), rowsBox_(new QWidget(content_)) {
+    : QScrollArea(parent),
+      host_(host),
+      content_(new QWidget),
+      rowsBox_(new DateRowsView(content_)) {
+    installDateListAccessibility();
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::NoFocus);  // its rows take the keys, and only by Tab
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -70,7 +75,7 @@ void DateListView::renderDateList(const std::vector<DailyRecording>& days,
     // A row may be in the midst of its event, so the old ones go when that is over.
     QWidget* const before = rowsBox_;
     rows_.clear();
-    rowsBox_ = new QWidget(content_);
+    rowsBox_ = new DateRowsView(content_);
     rowsBox_->setGeometry(0, kHeaderHeight, kWidth, buildRows(days, selectedDate));
     rowsBox_->show();
     chainRowsForTab(before);

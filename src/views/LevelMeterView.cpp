@@ -8,10 +8,11 @@
 namespace sonavault {
 namespace {
 
-/// The part of `bar` between two heights that are counted from its foot.
+/// The part of `bar` between two heights that are counted from its foot. It is wider than the bar,
+/// whose outline cuts it off on both sides alike.
 QRectF fromBottom(const QRectF& bar, double from, double to) {
     const double top = bar.bottom() - bar.height() * to;
-    return {bar.left(), top, bar.width(), bar.height() * (to - from)};
+    return {bar.left() - 1, top, bar.width() + 2, bar.height() * (to - from)};
 }
 
 }  // namespace
@@ -34,13 +35,13 @@ void LevelMeterView::paintEvent(QPaintEvent*) {
     outline.addRoundedRect(bar, width() / 2.0, width() / 2.0);
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.save();
-    painter.setClipPath(outline);
-    // Whole pixels, so that no ground shines through between the zones.
-    painter.setRenderHint(QPainter::Antialiasing, false);
-    for (const MeterFill& each : meterFills(shown_))
-        painter.fillRect(fromBottom(bar, each.from, each.to), toQColor(each.colour));
-    painter.restore();
+    // Zones end at whole pixels, so that no ground shines through between them; only the outline
+    // is smooth.
+    for (const MeterFill& each : meterFills(shown_)) {
+        painter.setClipRect(fromBottom(bar, each.from, each.to));
+        painter.fillPath(outline, toQColor(each.colour));
+    }
+    painter.setClipping(false);
     painter.setPen(QPen(toQColor(MeterScale::outline), 1));
     painter.drawPath(outline);
 }
