@@ -8,6 +8,8 @@
 
 namespace sonavault {
 
+class DateRowView;
+
 /// What the list of days asks of the program around it.
 ///
 /// Thread: main.
@@ -46,6 +48,23 @@ class DateListView final : public QScrollArea {
     /// Brings the indicator and the input level of the live row up to date; costs next to nothing
     /// when nothing changed.
     void refreshLiveRows();
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+
+  private:
+    void dateRowClicked(const std::string& date);
+    void showRowMenu(const DateRowView& row, QPoint position);
+    int buildRows(const std::vector<DailyRecording>& days, const std::string& selectedDate);
+    void chainRowsForTab(QWidget* first);
+    void fitContent();
+
+    DateListHost& host_;
+    QWidget* content_;
+    QWidget* rowsBox_;                // all rows; another one with each renderDateList()
+    std::vector<DateRowView*> rows_;  // from the top
+    double unscrolled_ = 0;           // what the wheel gave beyond whole points
 };
 
 }  // namespace sonavault

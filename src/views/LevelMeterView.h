@@ -2,6 +2,8 @@
 
 #include <QWidget>
 
+#include "review/LevelScale.h"
+
 namespace sonavault {
 
 /// A channel's level as a bar.
@@ -12,10 +14,17 @@ class LevelMeterView final : public QWidget {
     /// `channel`: its name for a screen reader, as in "left channel".
     LevelMeterView(const QString& channel, QWidget* parent);
 
-    float level() const;
+    float level() const { return level_; }
 
     /// Redraws only for a change that can be seen, so that it may be set at every tick. Units: dBFS
     void setLevel(float level);
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+
+  private:
+    float level_ = kSilenceDb;
+    float shown_ = kSilenceDb;  // what the bar was last drawn for
 };
 
 }  // namespace sonavault
