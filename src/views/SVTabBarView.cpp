@@ -52,7 +52,8 @@ void drawTab(QPainter& painter, const Box& frame, const QString& title, bool sel
     const TabLook look = tabLook(selected);
     // Neighbours share the line between them.
     const QRectF box = toQRectF(frame).adjusted(0, 0, 1, 0);
-    painter.setPen(QPen(toQColor(kColorTabStroke), hairline(painter)));
+    painter.setPen(QPen(toQColor(kColorTabStroke), hairline(painter), Qt::SolidLine, Qt::FlatCap,
+                        Qt::MiterJoin));
     painter.setBrush(look.ground);
     painter.drawPath(tabShape(outlineInside(painter, box)));
     painter.setPen(look.title);
