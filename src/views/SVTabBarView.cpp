@@ -24,14 +24,13 @@ constexpr Colour kColorTabStroke{0.55, 0.58, 0.62};
 constexpr QColor kColorTabInactive{155, 162, 177};
 
 // The upper corners are round, the lower ones square.
-QPainterPath tabShape(const QRectF& box) {
+QPainterPath tabShape(const QRectF& box, double corner) {
+    const QSizeF round(2 * corner, 2 * corner);
     QPainterPath path;
     path.moveTo(box.bottomLeft());
-    path.lineTo(box.left(), box.top() + kTabCorner);
-    path.arcTo(QRectF(box.left(), box.top(), 2 * kTabCorner, 2 * kTabCorner), 180, -90);
-    path.lineTo(box.right() - kTabCorner, box.top());
-    path.arcTo(QRectF(box.right() - 2 * kTabCorner, box.top(), 2 * kTabCorner, 2 * kTabCorner), 90,
-               -90);
+    path.lineTo(box.left(), box.top() + corner);
+    path.arcTo(QRectF(box.topLeft(), round), 180, -90);
+    path.arcTo(QRectF(QPointF(box.right() - round.width(), box.top()), round), 90, -90);
     path.lineTo(box.bottomRight());
     path.closeSubpath();
     return path;
@@ -50,12 +49,12 @@ TabLook tabLook(bool selected) {
 
 void drawTab(QPainter& painter, const Box& frame, const QString& title, bool selected) {
     const TabLook look = tabLook(selected);
-    // Neighbours share the line between them.
-    const QRectF box = toQRectF(frame).adjusted(0, 0, 1, 0);
-    painter.setPen(QPen(toQColor(kColorTabStroke), hairline(painter), Qt::SolidLine, Qt::FlatCap,
-                        Qt::MiterJoin));
-    painter.setBrush(look.ground);
-    painter.drawPath(tabShape(outlineInside(painter, box)));
+    // Neighbours share the line between them. It is filled, as a thin pen blunts the lower corners.
+    const QRectF box = onDevicePixels(painter, toQRectF(frame).adjusted(0, 0, 1, 0));
+    const double line = hairline(painter);
+    painter.fillPath(tabShape(box, kTabCorner), toQColor(kColorTabStroke));
+    painter.fillPath(tabShape(box.adjusted(line, line, -line, -line), kTabCorner - line),
+                     look.ground);
     painter.setPen(look.title);
     painter.setFont(interfaceFont(kTitleSize, look.weight));
     painter.drawText(toQRectF(frame), Qt::AlignCenter, title);
