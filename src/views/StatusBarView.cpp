@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <algorithm>
+#include <cmath>
 
 #include "review/WindowLayout.h"
 #include "views/DevicePixels.h"
@@ -111,7 +112,8 @@ void StatusBarView::showProgress(std::optional<double> fraction) {
 }
 
 QRectF StatusBarView::progressFrame() const {
-    const double fraction = std::clamp(progress_.value_or(0), 0.0, 1.0);
+    // In this order, so that a share of nothing, which is no number, counts as none.
+    const double fraction = std::min(1.0, std::max(0.0, progress_.value_or(0)));
     return {0, 0, std::round(fraction * width()), kProgressHeight};
 }
 

@@ -4,6 +4,7 @@
 
 #include <QRawFont>
 #include <QTest>
+#include <limits>
 
 #include "ViewProbe.h"
 #include "views/Hints.h"
@@ -196,8 +197,10 @@ TEST_F(StatusBar, draws_no_line_when_there_is_no_progress_any_more) {
 TEST_F(StatusBar, keeps_progress_within_its_bounds) {
     bar.showProgress(7);
     EXPECT_EQ(picture(bar).pixelColor(1479, 0), kProgress);
-    bar.showProgress(-1);
-    EXPECT_EQ(picture(bar).pixelColor(0, 0), whiteLevel(0.25));
+    for (const double none : {-1.0, 0.0, std::numeric_limits<double>::quiet_NaN()}) {
+        bar.showProgress(none);
+        EXPECT_EQ(picture(bar).pixelColor(0, 0), whiteLevel(0.25)) << none;
+    }
 }
 
 TEST_F(StatusBar, shows_the_connection_in_the_colour_set_and_says_what_it_means) {
