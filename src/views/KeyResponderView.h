@@ -2,9 +2,13 @@
 
 #include <QWidget>
 #include <functional>
+#include <optional>
 #include <string>
 
+#include "views/BannerView.h"
+#include "views/HintFinder.h"
 #include "views/LogsTabView.h"
+#include "views/SVTabBarView.h"
 #include "views/StatusBarView.h"
 
 namespace sonavault {
@@ -28,11 +32,42 @@ class KeyResponderView final : public QWidget {
     /// Gives the tabs their contents, once. Owns: both from here on.
     void setTabs(LogsTabView* logs, QWidget* airchecks);
 
-    LogsTabView& logsTab();
-    StatusBarView& statusBar();
+    LogsTabView& logsTab() { return *logsTabView_; }
+    StatusBarView& statusBar() { return *statusBarView_; }
 
     /// The tab that is shown: "logs" or "airchecks".
-    const std::string& activeTab() const;
+    const std::string& activeTab() const { return activeTab_; }
+
+  protected:
+    bool eventFilter(QObject* receiver, QEvent* event) override;
+    bool event(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
+
+  private:
+    void buildTabBar();
+    void layOut();
+    void tabSelected(const std::string& id);
+    void showActiveTab();
+
+    bool isOfThisWindow(const QObject* receiver) const;
+    void pointerMoved(QPoint globalPoint);
+    void pointerLeft();
+    void updateHint();
+
+    int readingPlace(const QWidget& view) const;
+    QWidgetList tabStops() const;
+
+    BannerView* bannerView_;
+    SVTabBarView* tabBar_;
+    QWidget* logsPage_ = nullptr;
+    QWidget* airchecksPage_ = nullptr;
+    StatusBarView* statusBarView_;
+    LogsTabView* logsTabView_ = nullptr;
+    std::string activeTab_ = "logs";
+
+    std::optional<QPoint> pointer_;  ///< while it is over this view
+    HintedView lastHinted_;          ///< only to be compared: the view may be gone
 };
 
 }  // namespace sonavault

@@ -1,10 +1,14 @@
 #pragma once
 
+#include <QAbstractButton>
 #include <QColor>
 #include <QWidget>
 #include <functional>
 #include <optional>
 #include <string>
+
+#include "views/DotView.h"
+#include "views/ElidedTextView.h"
 
 namespace sonavault {
 
@@ -34,6 +38,24 @@ class StatusBarView final : public QWidget {
     /// Shows a hover text in place of the status text, until restoreStatus().
     void showHint(const std::string& text);
     void restoreStatus();
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    void setHints();
+    QRectF progressFrame() const;
+
+    QWidget* speaker_;
+    ElidedTextView* text_;
+    ElidedTextView* hint_;
+    QAbstractButton* settings_;
+    DotView* connectionDot_;
+
+    /// The status text, while a hover text stands in its place.
+    std::optional<QString> hintSnapshot_;
+    std::optional<double> progress_;
 };
 
 }  // namespace sonavault
