@@ -153,6 +153,10 @@ bool LanesScrollView::eventFilter(QObject* watched, QEvent* event) {
     return QScrollArea::eventFilter(watched, event);
 }
 
+void LanesScrollView::showFocus(Qt::FocusReason reason) {
+    focusRing_->setVisible(reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason);
+}
+
 void LanesScrollView::pointerMoved(QPointF place) {
     horizontalThumb_->pointerAt(place);
     verticalThumb_->pointerAt(place);

@@ -41,6 +41,7 @@ class LanesScrollView final : public QScrollArea {
     void pan(QPointF delta);
     void pointerMoved(QPointF place);
     void pointerGone();
+    void showFocus(Qt::FocusReason reason);
 
     TimelineHost& host_;
     LanesInnerView* inner_;  ///< the scroll area owns it

@@ -1,5 +1,6 @@
 #include "views/MarkerPainter.h"
 
+#include <QPainterPath>
 #include <QPolygonF>
 #include <algorithm>
 #include <cmath>
@@ -15,20 +16,21 @@ namespace {
 /// More than a station uses. Types are free text, so a log may hold any number of them.
 constexpr std::size_t kMostSprites = 64;
 
-/// Draws a shape, of which only what lies in `exposed` matters. Units: points
-class ShapeBrush {
+/// Puts shapes into a path, of which only what lies in `exposed` matters. Units: points
+class Outliner {
   public:
-    ShapeBrush(QPainter& painter, Extent exposed) : painter_(painter), exposed_(exposed) {}
+    Outliner(QPainterPath& path, Extent exposed) : path_(path), exposed_(exposed) {}
 
-    void operator()(const Box& box) const { painter_.drawRect(toQRectF(shortened(box, 0))); }
+    void operator()(const Box& box) const { path_.addRect(toQRectF(shortened(box, 0))); }
     void operator()(const RoundedBox& rounded) const {
-        painter_.drawRoundedRect(toQRectF(shortened(rounded.box, rounded.radius)), rounded.radius,
-                                 rounded.radius);
+        path_.addRoundedRect(toQRectF(shortened(rounded.box, rounded.radius)), rounded.radius,
+                             rounded.radius);
     }
     void operator()(const Triangle& corners) const {
         QPolygonF polygon;
         for (const Point& each : corners) polygon.append({each.x, each.y});
-        painter_.drawPolygon(polygon);
+        path_.addPolygon(polygon);
+        path_.closeSubpath();
     }
 
   private:
@@ -39,16 +41,21 @@ class ShapeBrush {
         return {left, box.y, std::max(0.0, right - left), box.height};
     }
 
-    QPainter& painter_;
+    QPainterPath& path_;
     Extent exposed_;
 };
 
 void paintAll(QPainter& painter, const MarkerShapes& shapes, Extent exposed) {
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    for (const FilledShape& each : shapes) {
-        painter.setBrush(toQColor(each.colour));
-        std::visit(ShapeBrush(painter, exposed), each.outline);
+    // Neighbours of one colour are filled as one, so that no seam shows between them on a screen
+    // where their common edge lies within a pixel.
+    for (const FilledShape* each = shapes.begin(); each != shapes.end();) {
+        const Colour colour = each->colour;
+        QPainterPath path;
+        path.setFillRule(Qt::WindingFill);
+        for (; each != shapes.end() && each->colour == colour; ++each)
+            std::visit(Outliner(path, exposed), each->outline);
+        painter.fillPath(path, toQColor(colour));
     }
 }
 

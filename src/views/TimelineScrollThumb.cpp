@@ -11,8 +11,9 @@ namespace sonavault {
 namespace {
 
 constexpr int kWidth = 12;     // what the pointer can take hold of
-constexpr int kThickness = 6;  // what is seen of it
-constexpr int kFromEdge = 3;   // between that and the parent's edge
+constexpr int kThickness = 4;  // what is seen of it: no more than is free below the hours
+constexpr int kThicknessInHand = 8;
+constexpr int kFromEdge = 1;   // between that and the parent's edge
 constexpr int kFromEnds = 3;   // of the track
 constexpr double kLeast = 36;  // length
 constexpr double kNear = 24;   // from the parent's edge
@@ -88,17 +89,18 @@ void TimelineScrollThumb::showOrHide() {
 void TimelineScrollThumb::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF pill = horizontal()
-                            ? QRectF(0, kWidth - kFromEdge - kThickness, width(), kThickness)
-                            : QRectF(kWidth - kFromEdge - kThickness, 0, kThickness, height());
-    constexpr double kRadius = kThickness / 2.0;
     const bool strong = over_ || held_;
+    const int thickness = strong ? kThicknessInHand : kThickness;
+    const int from = kWidth - kFromEdge - thickness;
+    const QRectF pill =
+        horizontal() ? QRectF(0, from, width(), thickness) : QRectF(from, 0, thickness, height());
+    const double radius = thickness / 2.0;
     // Seen on the light axis and on dark markers alike.
     painter.setPen(Qt::NoPen);
     painter.setBrush(QColor(255, 255, 255, 110));
-    painter.drawRoundedRect(pill, kRadius, kRadius);
+    painter.drawRoundedRect(pill, radius, radius);
     painter.setBrush(QColor(0, 0, 0, strong ? 160 : 100));
-    painter.drawRoundedRect(pill, kRadius, kRadius);
+    painter.drawRoundedRect(pill, radius, radius);
 }
 
 void TimelineScrollThumb::mousePressEvent(QMouseEvent* event) {
