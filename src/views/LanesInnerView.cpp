@@ -1,6 +1,5 @@
 #include "views/LanesInnerView.h"
 
-#include <QAccessible>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -101,7 +100,7 @@ QString LanesInnerView::playheadReadout() const {
 }
 
 void LanesInnerView::tellScreenReader() {
-    if (!QAccessible::isActive()) return;
+    if (!screenReaderListens()) return;
     // Twenty values a second are no news to anybody: the one at which it comes to rest is.
     constexpr std::chrono::milliseconds kRest{500};
     standsStill_->start(kRest, [this] { tellTimelineValue(*this); });

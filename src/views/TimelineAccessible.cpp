@@ -38,6 +38,30 @@ class TimelineAccessible final : public QAccessibleWidget, public QAccessibleVal
     LanesInnerView& timeline_;
 };
 
+/// Knows from Qt when a screen reader comes and goes.
+class ScreenReaders final : public QAccessible::ActivationObserver {
+  public:
+    ScreenReaders() : listen_(QAccessible::isActive()) {
+        QAccessible::installActivationObserver(this);
+    }
+    ~ScreenReaders() { QAccessible::removeActivationObserver(this); }
+    ScreenReaders(const ScreenReaders&) = delete;
+    ScreenReaders& operator=(const ScreenReaders&) = delete;
+
+    bool listen() const { return listen_; }
+
+  protected:
+    void accessibilityActiveChanged(bool active) override { listen_ = active; }
+
+  private:
+    bool listen_;
+};
+
+const ScreenReaders& screenReaders() {
+    static const ScreenReaders readers;
+    return readers;
+}
+
 QAccessibleInterface* makeTimelineAccessible(const QString&, QObject* object) {
     auto* timeline = dynamic_cast<LanesInnerView*>(object);
     return timeline ? new TimelineAccessible(*timeline) : nullptr;
@@ -48,9 +72,14 @@ QAccessibleInterface* makeTimelineAccessible(const QString&, QObject* object) {
 void installTimelineAccessible() {
     static const bool installed = [] {
         QAccessible::installFactory(makeTimelineAccessible);
+        screenReaders();
         return true;
     }();
     static_cast<void>(installed);
+}
+
+bool screenReaderListens() {
+    return screenReaders().listen();
 }
 
 void tellTimelineValue(LanesInnerView& timeline) {

@@ -8,6 +8,9 @@ class LanesInnerView;
 /// the marker under it, and can move it. What they read is made when they ask.
 void installTimelineAccessible();
 
+/// Whether a screen reader, or something of its kind, is there at the moment.
+bool screenReaderListens();
+
 /// Tells screen readers that the playhead stands elsewhere.
 void tellTimelineValue(LanesInnerView& timeline);
 
