@@ -17,7 +17,7 @@ constexpr int kFromEdge = 1;   // between that and the parent's edge
 constexpr int kFromEnds = 3;   // of the track
 constexpr double kLeast = 36;  // length
 constexpr double kNear = 24;   // from the parent's edge
-constexpr std::chrono::milliseconds kShowsAfterMove{900};
+constexpr std::chrono::milliseconds kLingers{900};
 
 }  // namespace
 
@@ -26,7 +26,6 @@ TimelineScrollThumb::TimelineScrollThumb(QScrollBar& bar, std::unique_ptr<MainTi
     : QWidget(parent), bar_(bar), timer_(std::move(timer)) {
     setAccessibleName(horizontal() ? QStringLiteral("Horizontal scroll bar")
                                    : QStringLiteral("Vertical scroll bar"));
-    setAttribute(Qt::WA_NoMousePropagation, false);
     setCursor(Qt::ArrowCursor);
     hide();
     connect(&bar_, &QScrollBar::valueChanged, this, [this] { moved(); });
@@ -58,12 +57,16 @@ void TimelineScrollThumb::follow() {
 }
 
 void TimelineScrollThumb::moved() {
-    justMoved_ = true;
-    timer_->start(kShowsAfterMove, [this] {
-        justMoved_ = false;
+    linger();
+    follow();
+}
+
+void TimelineScrollThumb::linger() {
+    lingers_ = true;
+    timer_->start(kLingers, [this] {
+        lingers_ = false;
         showOrHide();
     });
-    follow();
 }
 
 void TimelineScrollThumb::pointerAt(QPointF place) {
@@ -72,6 +75,8 @@ void TimelineScrollThumb::pointerAt(QPointF place) {
 }
 
 void TimelineScrollThumb::pointerGone() {
+    // Maybe only onto this handle, which must not vanish before the pointer arrives.
+    if (isVisible()) linger();
     setNear(false);
 }
 
@@ -83,7 +88,7 @@ void TimelineScrollThumb::setNear(bool isNear) {
 
 void TimelineScrollThumb::showOrHide() {
     const bool scrolls = bar_.maximum() > bar_.minimum();
-    setVisible(scrolls && (near_ || justMoved_ || over_ || held_));
+    setVisible(scrolls && (near_ || lingers_ || over_ || held_));
 }
 
 void TimelineScrollThumb::paintEvent(QPaintEvent*) {
@@ -126,16 +131,18 @@ void TimelineScrollThumb::mouseReleaseEvent(QMouseEvent* event) {
     showOrHide();
 }
 
-void TimelineScrollThumb::enterEvent(QEnterEvent*) {
+void TimelineScrollThumb::enterEvent(QEnterEvent* event) {
     over_ = true;
+    // A dialog may have taken the release.
+    if (!event->buttons().testFlag(Qt::LeftButton)) held_ = false;
     update();
     showOrHide();
 }
 
 void TimelineScrollThumb::leaveEvent(QEvent*) {
     over_ = false;
+    linger();
     update();
-    showOrHide();
 }
 
 }  // namespace sonavault

@@ -9,7 +9,7 @@
 namespace sonavault {
 
 /// The handle of a scroll bar, which lies over what is scrolled and takes no room. It shows while
-/// there is something to scroll and something has just moved, or the pointer is near or holds it.
+/// there is something to scroll, and something has just moved or the pointer is near or holds it.
 /// It has no trough: beside it, clicks go to what lies below.
 ///
 /// Thread: main.
@@ -41,13 +41,14 @@ class TimelineScrollThumb final : public QWidget {
     double trackLength() const;
     double thumbLength() const;
     void moved();
+    void linger();
     void setNear(bool isNear);
     void showOrHide();
 
     QScrollBar& bar_;
     std::unique_ptr<MainTimer> timer_;
     bool near_ = false;
-    bool justMoved_ = false;
+    bool lingers_ = false;
     bool over_ = false;
     bool held_ = false;
     double heldAt_ = 0;  ///< from the thumb's beginning

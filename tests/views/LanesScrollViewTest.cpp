@@ -261,6 +261,8 @@ TEST_F(LanesScrollViewTest, a_scroll_bar_shows_while_the_pointer_is_near) {
     EXPECT_TRUE(thumb(Qt::Horizontal).isVisible());
     QEvent leave(QEvent::Leave);
     QCoreApplication::sendEvent(&window_.inner(), &leave);
+    EXPECT_TRUE(thumb(Qt::Horizontal).isVisible());
+    window_.timers.pass(1);
     EXPECT_FALSE(thumb(Qt::Horizontal).isVisible());
 }
 
@@ -284,6 +286,19 @@ TEST_F(LanesScrollViewTest, a_scroll_bars_handle_stands_for_what_is_seen_and_can
     pointer.release({100, 6});
     EXPECT_FALSE(handle.isVisible());
     EXPECT_THAT(window_.jumps, IsEmpty());
+}
+
+TEST_F(LanesScrollViewTest, a_scroll_bar_stays_while_the_pointer_is_on_its_handle) {
+    window_.haveZoom(1);
+    TimelineScrollThumb& handle = thumb(Qt::Horizontal);
+    QEnterEvent enter({10, 6}, {10, 6}, {10, 6});
+    QCoreApplication::sendEvent(&handle, &enter);
+    window_.timers.pass(5);
+    EXPECT_TRUE(handle.isVisible());
+    QEvent leave(QEvent::Leave);
+    QCoreApplication::sendEvent(&handle, &leave);
+    window_.timers.pass(1);
+    EXPECT_FALSE(handle.isVisible());
 }
 
 TEST_F(LanesScrollViewTest, a_wheel_over_the_handle_zooms_too) {
