@@ -44,7 +44,7 @@ class ScreenReaders final : public QAccessible::ActivationObserver {
     ScreenReaders() : listen_(QAccessible::isActive()) {
         QAccessible::installActivationObserver(this);
     }
-    ~ScreenReaders() { QAccessible::removeActivationObserver(this); }
+    ~ScreenReaders() override { QAccessible::removeActivationObserver(this); }
     ScreenReaders(const ScreenReaders&) = delete;
     ScreenReaders& operator=(const ScreenReaders&) = delete;
 
