@@ -168,8 +168,13 @@ void LanesScrollView::pointerGone() {
 }
 
 bool LanesScrollView::focusNextPrevChild(bool next) {
-    // The scroll area's own would scroll to the middle of the day.
-    return QAbstractScrollArea::focusNextPrevChild(next);
+    // A scroll area brings what has the keyboard into view, which here is the middle of the day.
+    const double x = scrollX();
+    const int y = verticalScrollBar()->value();
+    const bool moved = QScrollArea::focusNextPrevChild(next);
+    setScrollX(x);
+    verticalScrollBar()->setValue(y);
+    return moved;
 }
 
 void LanesScrollView::resizeEvent(QResizeEvent* event) {
