@@ -2,9 +2,11 @@
 
 #include <QScrollArea>
 
+#include "review/ScrollAxis.h"
 #include "review/TimelineZoomHost.h"
 #include "views/LanesInnerView.h"
 #include "views/TimelineHost.h"
+#include "views/TimelineScrollThumb.h"
 
 namespace sonavault {
 
@@ -27,6 +29,27 @@ class LanesScrollView final : public QScrollArea {
 
     /// Shows the content from (x, 0) on.
     void scrollTo(double x);
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+
+  private:
+    void setScrollX(double x);
+    void pan(QPointF delta);
+    void pointerMoved(QPointF place);
+    void pointerGone();
+    void showFocus(Qt::FocusReason reason);
+
+    TimelineHost& host_;
+    LanesInnerView* inner_;  ///< the scroll area owns it
+    ScrollAxis axis_;
+    double scrollX_ = 0;  ///< to a fraction of a point, as long as nobody else has scrolled
+    TimelineScrollThumb* horizontalThumb_;
+    TimelineScrollThumb* verticalThumb_;
+    QWidget* focusRing_;
 };
 
 }  // namespace sonavault
