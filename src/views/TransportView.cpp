@@ -1,0 +1,143 @@
+#include "views/TransportView.h"
+
+#include "review/LogsTabLayout.h"
+#include "views/BarGround.h"
+#include "views/ElidedTextView.h"
+#include "views/FlatButton.h"
+#include "views/Hints.h"
+#include "views/Painting.h"
+#include "views/RoundButton.h"
+#include "views/TextView.h"
+#include "views/Theme.h"
+
+namespace sonavault {
+namespace {
+
+constexpr std::string_view kPauseTitle = "⏸";
+
+// The place of the primary button in the shuttle.
+constexpr std::size_t kPlay = 1;
+
+QFont nowPlayingFont() {
+    QFont font = interfaceFont(14);
+    font.setItalic(true);
+    return font;
+}
+
+}  // namespace
+
+TransportView::TransportView(TransportActions actions, QWidget* parent) : QWidget(parent) {
+    transportTimeLabel_ = new TextView(QStringLiteral("00:00:00"), digitsFont(24, QFont::DemiBold),
+                                       kColorTitle, this);
+    transportTimeLabel_->setObjectName(QStringLiteral("transportTimeLabel"));
+    transportTimeLabel_->setAlignment(Qt::AlignCenter);
+    setSvHint(*transportTimeLabel_,
+              QStringLiteral("Playhead position — time of day at the scrub line."));
+    makeShuttle(actions);
+    makeTexts();
+    makeExportButton(actions.exportClicked);
+}
+
+RoundButton* TransportView::makeRoundButton(const QString& symbol, const QString& name,
+                                            const std::function<void()>& action, bool primary) {
+    auto* button = new RoundButton(symbol, name, primary, this);
+    connect(button, &QPushButton::clicked, this, [action] {
+        if (action) action();
+    });
+    return button;
+}
+
+void TransportView::makeShuttle(const TransportActions& actions) {
+    struct Described {
+        const char* identifier;
+        const char* symbol;
+        const char* name;
+        const char* hint;
+        const std::function<void()>& action;
+    };
+    const std::array<Described, 5> described{{
+        {"shuttle-prev", "⏮", "Previous marker", "Jump to the previous marker on the timeline.",
+         actions.prevMarkerClicked},
+        {"shuttle-play", "▶", "Play", "Start or stop playback from the scrub line.",
+         actions.playButtonClicked},
+        {"shuttle-next", "⏭", "Next marker", "Jump to the next marker on the timeline.",
+         actions.nextMarkerClicked},
+        {"shuttle-in", "[", "Selection start", "Mark the start of a new selection at the playhead.",
+         actions.inPointClicked},
+        {"shuttle-out", "]", "Selection end", "Mark the end of the current selection.",
+         actions.outPointClicked},
+    }};
+    for (std::size_t i = 0; i < described.size(); ++i) {
+        const Described& each = described.at(i);
+        RoundButton* button =
+            makeRoundButton(toQString(each.symbol), toQString(each.name), each.action, i == kPlay);
+        button->setObjectName(toQString(each.identifier));
+        setSvHint(*button, toQString(each.hint));
+        shuttle_.at(i) = button;
+    }
+}
+
+void TransportView::makeTexts() {
+    nowPlayingLabel_ = new ElidedTextView(QStringLiteral("Now playing: —"), nowPlayingFont(),
+                                          whiteLevel(0.35), this);
+    nowPlayingLabel_->setObjectName(QStringLiteral("nowPlayingLabel"));
+    setSvHint(*nowPlayingLabel_,
+              QStringLiteral("Label of the marker the playhead is currently inside."));
+    selectionInfoLabel_ =
+        new ElidedTextView(QStringLiteral("Selections: —"), digitsFont(13), whiteLevel(0.35), this);
+    selectionInfoLabel_->setObjectName(QStringLiteral("selectionInfoLabel"));
+    selectionInfoLabel_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    setSvHint(*selectionInfoLabel_, QStringLiteral("Number of selections marked on this day."));
+}
+
+// Never shown: the button over the timeline does its work. Whoever asks it finds whether there is
+// anything to export.
+void TransportView::makeExportButton(const std::function<void()>& action) {
+    exportButton_ = new FlatButton(QStringLiteral("Export Selected"), interfaceFont(13), this);
+    exportButton_->setObjectName(QStringLiteral("exportButton"));
+    exportButton_->setEnabled(false);
+    exportButton_->hide();
+    connect(exportButton_, &QPushButton::clicked, this, [action] {
+        if (action) action();
+    });
+}
+
+void TransportView::setTransportTime(const std::string& text) {
+    transportTimeLabel_->showText(toQString(text));
+}
+
+void TransportView::setNowPlaying(const std::string& text) {
+    nowPlayingLabel_->showText(toQString(text));
+}
+
+void TransportView::showSelectionInfo(const std::string& text, bool canExport) {
+    exportButton_->setEnabled(canExport);
+    const QString shown = toQString(text);
+    if (shown == selectionInfoLabel_->text()) return;
+    selectionInfoLabel_->showText(shown);
+    layOut();
+}
+
+void TransportView::setPlayButtonTitle(const std::string& title) {
+    const QString name = title == kPauseTitle ? QStringLiteral("Pause") : QStringLiteral("Play");
+    shuttle_.at(kPlay)->showSymbol(toQString(title), name);
+}
+
+void TransportView::layOut() {
+    const TransportFrames frames = transportFrames(width(), selectionInfoLabel_->textWidth());
+    place(*transportTimeLabel_, toQRect(frames.transportTimeLabel));
+    for (std::size_t i = 0; i < shuttle_.size(); ++i)
+        place(*shuttle_.at(i), toQRect(frames.shuttle.at(i)));
+    place(*nowPlayingLabel_, toQRect(frames.nowPlayingLabel));
+    place(*selectionInfoLabel_, toQRect(frames.selectionInfoLabel));
+}
+
+void TransportView::resizeEvent(QResizeEvent*) {
+    layOut();
+}
+
+void TransportView::paintEvent(QPaintEvent*) {
+    paintBarGround(*this, whiteLevel(0.85));
+}
+
+}  // namespace sonavault
