@@ -110,6 +110,7 @@ TransportFrames transportFrames(double width, double selectionTextWidth) {
     constexpr double kTimeWidth = 200;
     constexpr double kInfoWidth = 320;
     constexpr double kBetweenTexts = 4;
+    constexpr double kBetweenLongTexts = 16;
     const auto placed = [](const Box& box) { return fromBottom(box, kTransportHeight); };
     TransportFrames frames;
     frames.transportTimeLabel = placed({(width - kTimeWidth) / 2, 78, kTimeWidth, 28});
@@ -119,7 +120,8 @@ TransportFrames transportFrames(double width, double selectionTextWidth) {
             placed({firstX + static_cast<double>(i) * kStep, 26, kButton, kButton});
     const double infoWidth = std::max(kInfoWidth, selectionTextWidth);
     frames.selectionInfoLabel = placed({width - infoWidth - kMargin, 4, infoWidth, 20});
-    const double nowPlaying = frames.selectionInfoLabel.x - kBetweenTexts - kMargin;
+    const double gap = infoWidth > kInfoWidth ? kBetweenLongTexts : kBetweenTexts;
+    const double nowPlaying = frames.selectionInfoLabel.x - gap - kMargin;
     frames.nowPlayingLabel = placed({kMargin, 4, std::max(0.0, nowPlaying), 20});
     return frames;
 }

@@ -25,6 +25,10 @@ ButtonLook buttonLook(const QAbstractButton& button, bool emphasised) {
     return emphasised ? emphasisedLook(button) : plainLook(button);
 }
 
+bool showsFocus(const QWidget& view) {
+    return view.hasFocus() && view.window()->testAttribute(Qt::WA_KeyboardFocusChange);
+}
+
 void paintButtonBody(QPainter& painter, const QAbstractButton& button, const ButtonLook& look,
                      double radius) {
     painter.setRenderHint(QPainter::Antialiasing);
@@ -33,7 +37,7 @@ void paintButtonBody(QPainter& painter, const QAbstractButton& button, const But
     painter.setPen(look.border);
     painter.setBrush(look.ground);
     painter.drawRoundedRect(edge, radius, radius);
-    if (!button.hasFocus()) return;
+    if (!showsFocus(button)) return;
     // Inside the border and in the content's colour it is seen on every ground.
     painter.setPen(QPen(look.content, 1.5));
     painter.setBrush(Qt::NoBrush);

@@ -21,6 +21,9 @@ struct ButtonLook {
 /// the one that matters most.
 ButtonLook buttonLook(const QAbstractButton& button, bool emphasised);
 
+/// Whether the person came to it with the keyboard and has to see where it is.
+bool showsFocus(const QWidget& view);
+
 /// Ground, border and, while it has the keyboard, a ring within `button`.
 void paintButtonBody(QPainter& painter, const QAbstractButton& button, const ButtonLook& look,
                      double radius);

@@ -77,7 +77,8 @@ FilterBarView::Filter FilterBarView::makeFilter(const LaneDescription& descripti
     connect(checkbox, &QCheckBox::clicked, this, [this, key = description.key](bool on) {
         if (onFilterChanged) onFilterChanged(key, on);
     });
-    return {description.lane, swatch, checkbox};
+    const QSizeF natural = checkbox->sizeHint();
+    return {description.lane, swatch, checkbox, {natural.width(), natural.height()}};
 }
 
 void FilterBarView::setFilterCheckbox(Lane lane, bool on) {
@@ -94,11 +95,7 @@ void FilterBarView::showVoicetracksOnly(bool on, const std::optional<std::string
 
 void FilterBarView::layOut() {
     FilterBarContent content;
-    for (const Filter& each : filters_) {
-        const QSize natural = each.checkbox->sizeHint();
-        content.checkboxes.push_back(
-            {static_cast<double>(natural.width()), static_cast<double>(natural.height())});
-    }
+    for (const Filter& each : filters_) content.checkboxes.push_back(each.natural);
     content.counterShown = !vtCounterLabel_->isHidden();
     const FilterBarFrames frames = filterBarFrames(width(), content);
     for (std::size_t i = 0; i < filters_.size(); ++i) {

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "review/Geometry.h"
 #include "review/Lanes.h"
 
 namespace sonavault {
@@ -40,6 +41,7 @@ class FilterBarView final : public QWidget {
         Lane lane;
         QWidget* swatch;
         NeutralCheckBox* checkbox;
+        Size natural;  ///< of the checkbox; a text is measured once
     };
 
     Filter makeFilter(const LaneDescription& description);

@@ -4,6 +4,7 @@
 #include <QPainterPath>
 #include <cmath>
 
+#include "views/ButtonLook.h"
 #include "views/Theme.h"
 
 namespace sonavault {
@@ -60,7 +61,7 @@ void NeutralCheckBox::paintEvent(QPaintEvent*) {
     paintBox(painter, *this, QRectF(0, (height() - kBoxSize) / 2.0, kBoxSize, kBoxSize));
     painter.setPen(whiteLevel(isEnabled() ? 0.15 : 0.5));
     painter.drawText(rect().adjusted(kTextLeft, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter, text());
-    if (!hasFocus()) return;
+    if (!showsFocus(*this)) return;
     painter.setPen(whiteLevel(0.4));
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(QRectF(rect()).adjusted(kTextLeft + 0.5, 0.5, -0.5, -0.5), 3, 3);

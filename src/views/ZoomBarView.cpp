@@ -15,6 +15,8 @@ ZoomBarView::ZoomBarView(QWidget* parent)
     : QWidget(parent),
       zoomBarLabel_(new TextView(QStringLiteral("ZOOM"), interfaceFont(12, QFont::DemiBold),
                                  whiteLevel(0.5), this)) {
+    // On one line with the titles of the buttons.
+    zoomBarLabel_->setAlignment(Qt::AlignLeft | Qt::AlignBottom);
     zoomBarLabel_->setObjectName(QStringLiteral("zoomBarLabel"));
     setSvHint(*zoomBarLabel_,
               QStringLiteral("Zoom presets — choose how much of the day is visible at once."));

@@ -134,7 +134,7 @@ TEST(TransportLayout, the_texts_stand_at_the_foot_on_either_side) {
 TEST(TransportLayout, a_long_report_of_selections_takes_room_from_what_is_playing) {
     const auto frames = transportFrames(820, 344);
     EXPECT_EQ(frames.selectionInfoLabel, (Box{460, 96, 344, 20}));
-    EXPECT_EQ(frames.nowPlayingLabel, (Box{16, 96, 440, 20}));
+    EXPECT_EQ(frames.nowPlayingLabel, (Box{16, 96, 428, 20}));
     EXPECT_EQ(transportFrames(100, 344).nowPlayingLabel.width, 0);
 }
 
