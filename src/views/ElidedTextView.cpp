@@ -1,19 +1,18 @@
 #include "views/ElidedTextView.h"
 
 #include <QPainter>
-#include <cmath>
 
 namespace sonavault {
 
-ElidedTextView::ElidedTextView(const QString& text, const QFont& font, const QColor& colour,
+ElidedTextView::ElidedTextView(const QFont& font, const QColor& colour, Qt::Alignment alignment,
                                QWidget* parent)
     : QLabel(parent) {
     setTextFormat(Qt::PlainText);
     setFont(font);
+    setAlignment(alignment | Qt::AlignVCenter);
     QPalette colours = palette();
     colours.setColor(QPalette::WindowText, colour);
     setPalette(colours);
-    showText(text);
 }
 
 void ElidedTextView::showText(const QString& shown) {
@@ -22,15 +21,15 @@ void ElidedTextView::showText(const QString& shown) {
     setAccessibleName(shown);
 }
 
-int ElidedTextView::textWidth() const {
-    return static_cast<int>(std::ceil(QFontMetricsF(font()).horizontalAdvance(text())));
+QString ElidedTextView::visibleText() const {
+    // A sentence of the system's, as the reason of a failure, may come in several lines.
+    return fontMetrics().elidedText(text().simplified(), Qt::ElideRight, width());
 }
 
 void ElidedTextView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setPen(palette().color(QPalette::WindowText));
-    const QString fitting = QFontMetricsF(font()).elidedText(text(), Qt::ElideRight, width());
-    painter.drawText(rect(), static_cast<int>(alignment()) | Qt::TextSingleLine, fitting);
+    painter.drawText(rect(), static_cast<int>(alignment() | Qt::TextSingleLine), visibleText());
 }
 
 }  // namespace sonavault

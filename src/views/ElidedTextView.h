@@ -4,19 +4,19 @@
 
 namespace sonavault {
 
-/// One line of plain text that is cut off at its end, with a mark that it is, where it does not
-/// fit. A screen reader tells the whole.
+/// One line of plain text that ends in "…" where it does not fit. A screen reader has all of it.
 ///
 /// Thread: main.
 class ElidedTextView final : public QLabel {
   public:
-    ElidedTextView(const QString& text, const QFont& font, const QColor& colour, QWidget* parent);
+    ElidedTextView(const QFont& font, const QColor& colour, Qt::Alignment alignment,
+                   QWidget* parent);
 
-    /// Does nothing when the text is the same, so that it may be set at every tick.
+    /// Does nothing when the text is the same.
     void showText(const QString& text);
 
-    /// The width at which nothing is cut off. Units: pixels
-    int textWidth() const;
+    /// What fits of it at the present width.
+    QString visibleText() const;
 
   protected:
     void paintEvent(QPaintEvent* event) override;

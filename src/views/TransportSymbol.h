@@ -5,8 +5,9 @@
 
 namespace sonavault {
 
-/// The shape of a transport button's title ("⏮", "▶", "⏸", "⏭", "[", "]"), centred on (0, 0):
-/// no face of the interface has these glyphs. Empty for any other title. Units: pixels
+/// The shape that stands for a transport button's title, "⏮", "▶", "⏸", "⏭", "[" or "]".
+/// No face of the interface has all of these glyphs. Centred on (0, 0); empty for any other title.
+/// Units: pixels
 QPainterPath transportSymbol(const QString& title);
 
 }  // namespace sonavault

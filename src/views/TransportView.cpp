@@ -1,5 +1,7 @@
 #include "views/TransportView.h"
 
+#include <cmath>
+
 #include "review/LogsTabLayout.h"
 #include "views/BarGround.h"
 #include "views/ElidedTextView.h"
@@ -22,6 +24,10 @@ QFont nowPlayingFont() {
     QFont font = interfaceFont(14);
     font.setItalic(true);
     return font;
+}
+
+double wholeWidth(const QLabel& label) {
+    return std::ceil(QFontMetricsF(label.font()).horizontalAdvance(label.text()));
 }
 
 }  // namespace
@@ -78,15 +84,15 @@ void TransportView::makeShuttle(const TransportActions& actions) {
 }
 
 void TransportView::makeTexts() {
-    nowPlayingLabel_ = new ElidedTextView(QStringLiteral("Now playing: —"), nowPlayingFont(),
-                                          whiteLevel(0.35), this);
+    nowPlayingLabel_ = new ElidedTextView(nowPlayingFont(), whiteLevel(0.35), Qt::AlignLeft, this);
+    nowPlayingLabel_->showText(QStringLiteral("Now playing: —"));
     nowPlayingLabel_->setObjectName(QStringLiteral("nowPlayingLabel"));
     setSvHint(*nowPlayingLabel_,
               QStringLiteral("Label of the marker the playhead is currently inside."));
     selectionInfoLabel_ =
-        new ElidedTextView(QStringLiteral("Selections: —"), digitsFont(13), whiteLevel(0.35), this);
+        new ElidedTextView(digitsFont(13), whiteLevel(0.35), Qt::AlignRight, this);
+    selectionInfoLabel_->showText(QStringLiteral("Selections: —"));
     selectionInfoLabel_->setObjectName(QStringLiteral("selectionInfoLabel"));
-    selectionInfoLabel_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     setSvHint(*selectionInfoLabel_, QStringLiteral("Number of selections marked on this day."));
 }
 
@@ -124,7 +130,7 @@ void TransportView::setPlayButtonTitle(const std::string& title) {
 }
 
 void TransportView::layOut() {
-    const TransportFrames frames = transportFrames(width(), selectionInfoLabel_->textWidth());
+    const TransportFrames frames = transportFrames(width(), wholeWidth(*selectionInfoLabel_));
     place(*transportTimeLabel_, toQRect(frames.transportTimeLabel));
     for (std::size_t i = 0; i < shuttle_.size(); ++i)
         place(*shuttle_.at(i), toQRect(frames.shuttle.at(i)));
