@@ -1,6 +1,7 @@
 #include "views/TransportView.h"
 
 #include <cmath>
+#include <utility>
 
 #include "review/LogsTabLayout.h"
 #include "views/BarGround.h"
@@ -32,46 +33,49 @@ double wholeWidth(const QLabel& label) {
 
 }  // namespace
 
-TransportView::TransportView(TransportActions actions, QWidget* parent) : QWidget(parent) {
+TransportView::TransportView(TransportActions actions, QWidget* parent)
+    : QWidget(parent), actions_(std::move(actions)) {
     transportTimeLabel_ = new TextView(QStringLiteral("00:00:00"), digitsFont(24, QFont::DemiBold),
                                        kColorTitle, this);
     transportTimeLabel_->setObjectName(QStringLiteral("transportTimeLabel"));
     transportTimeLabel_->setAlignment(Qt::AlignCenter);
     setSvHint(*transportTimeLabel_,
               QStringLiteral("Playhead position — time of day at the scrub line."));
-    makeShuttle(actions);
+    makeShuttle();
     makeTexts();
-    makeExportButton(actions.exportClicked);
+    makeExportButton();
 }
 
 RoundButton* TransportView::makeRoundButton(const QString& symbol, const QString& name,
-                                            const std::function<void()>& action, bool primary) {
+                                            Action action, bool primary) {
     auto* button = new RoundButton(symbol, name, primary, this);
-    connect(button, &QPushButton::clicked, this, [action] {
-        if (action) action();
-    });
+    connect(button, &QPushButton::clicked, this, [this, action] { run(action); });
     return button;
 }
 
-void TransportView::makeShuttle(const TransportActions& actions) {
+void TransportView::run(Action action) {
+    if (actions_.*action) (actions_.*action)();
+}
+
+void TransportView::makeShuttle() {
     struct Described {
         const char* identifier;
         const char* symbol;
         const char* name;
         const char* hint;
-        const std::function<void()>& action;
+        Action action;
     };
     const std::array<Described, 5> described{{
         {"shuttle-prev", "⏮", "Previous marker", "Jump to the previous marker on the timeline.",
-         actions.prevMarkerClicked},
+         &TransportActions::prevMarkerClicked},
         {"shuttle-play", "▶", "Play", "Start or stop playback from the scrub line.",
-         actions.playButtonClicked},
+         &TransportActions::playButtonClicked},
         {"shuttle-next", "⏭", "Next marker", "Jump to the next marker on the timeline.",
-         actions.nextMarkerClicked},
+         &TransportActions::nextMarkerClicked},
         {"shuttle-in", "[", "Selection start", "Mark the start of a new selection at the playhead.",
-         actions.inPointClicked},
+         &TransportActions::inPointClicked},
         {"shuttle-out", "]", "Selection end", "Mark the end of the current selection.",
-         actions.outPointClicked},
+         &TransportActions::outPointClicked},
     }};
     for (std::size_t i = 0; i < described.size(); ++i) {
         const Described& each = described.at(i);
@@ -98,14 +102,13 @@ void TransportView::makeTexts() {
 
 // Never shown: the button over the timeline does its work. Whoever asks it finds whether there is
 // anything to export.
-void TransportView::makeExportButton(const std::function<void()>& action) {
+void TransportView::makeExportButton() {
     exportButton_ = new FlatButton(QStringLiteral("Export Selected"), interfaceFont(13), this);
     exportButton_->setObjectName(QStringLiteral("exportButton"));
     exportButton_->setEnabled(false);
     exportButton_->hide();
-    connect(exportButton_, &QPushButton::clicked, this, [action] {
-        if (action) action();
-    });
+    connect(exportButton_, &QPushButton::clicked, this,
+            [this] { run(&TransportActions::exportClicked); });
 }
 
 void TransportView::setTransportTime(const std::string& text) {

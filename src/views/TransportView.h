@@ -43,12 +43,17 @@ class TransportView final : public QWidget {
     void paintEvent(QPaintEvent* event) override;
 
   private:
-    RoundButton* makeRoundButton(const QString& symbol, const QString& name,
-                                 const std::function<void()>& action, bool primary);
-    void makeShuttle(const TransportActions& actions);
+    using Action = std::function<void()> TransportActions::*;
+
+    RoundButton* makeRoundButton(const QString& symbol, const QString& name, Action action,
+                                 bool primary);
+    void makeShuttle();
     void makeTexts();
-    void makeExportButton(const std::function<void()>& action);
+    void makeExportButton();
+    void run(Action action);
     void layOut();
+
+    const TransportActions actions_;
 
     TextView* transportTimeLabel_ = nullptr;
     std::array<RoundButton*, 5> shuttle_{};
