@@ -15,6 +15,11 @@
 
 namespace sonavault {
 
+class ActionBarResizeHandle;
+class ExportSelectionsButton;
+class LaneLabelsColumnView;
+class PassThroughLabel;
+
 /// The tab in which days are heard and cut: the days on the left, the timeline with its bars on the
 /// right.
 ///
@@ -45,6 +50,36 @@ class LogsTabView final : public QWidget {
     LanesScrollView& lanesScroll();
     LevelMeterView& vuMeterL();
     LevelMeterView& vuMeterR();
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+  private:
+    void setHints();
+    void setNames();
+    void stackOverlays();
+    void placeRegions();
+    void relayoutTimeline();
+    void placeOverlays();
+
+    TimelineHost& timeline_;
+
+    // In the order in which the keyboard goes through them. Owns: none, they are children.
+    DateListView* dateListScroll_;
+    FilterBarView* filterBarView_;
+    LaneLabelsColumnView* laneLabelsColumn_;
+    LanesScrollView* lanesScrollView_;
+    ActionBarResizeHandle* actionBarResizeHandle_;
+    LevelMeterView* vuMeterL_;
+    LevelMeterView* vuMeterR_;
+    PassThroughLabel* emptyStateLabel_;
+    ExportSelectionsButton* exportSelectionsButton_;
+    ZoomBarView* zoomBarView_;
+    TransportView* transportView_;
+
+    bool layingOut_ = false;
 };
 
 }  // namespace sonavault

@@ -1,10 +1,16 @@
 #pragma once
 
+#include <QPushButton>
 #include <QWidget>
+#include <array>
 #include <functional>
 #include <string>
 
 namespace sonavault {
+
+class ElidedTextView;
+class RoundButton;
+class TextView;
 
 /// What the buttons of the transport do.
 struct TransportActions {
@@ -31,6 +37,29 @@ class TransportView final : public QWidget {
 
     /// "▶" or "⏸".
     void setPlayButtonTitle(const std::string& title);
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+  private:
+    using Action = std::function<void()> TransportActions::*;
+
+    RoundButton* makeRoundButton(const QString& symbol, const QString& name, Action action,
+                                 bool primary);
+    void makeShuttle();
+    void makeTexts();
+    void makeExportButton();
+    void run(Action action);
+    void layOut();
+
+    const TransportActions actions_;
+
+    TextView* transportTimeLabel_ = nullptr;
+    std::array<RoundButton*, 5> shuttle_{};
+    ElidedTextView* nowPlayingLabel_ = nullptr;
+    ElidedTextView* selectionInfoLabel_ = nullptr;
+    QPushButton* exportButton_ = nullptr;
 };
 
 }  // namespace sonavault

@@ -4,8 +4,12 @@
 #include <cstddef>
 #include <functional>
 #include <optional>
+#include <vector>
 
 namespace sonavault {
+
+class FlatButton;
+class TextView;
 
 /// The buttons that set the zoom, centred in the bar.
 ///
@@ -19,6 +23,16 @@ class ZoomBarView final : public QWidget {
 
     /// Sets one preset's button on and all others off.
     void showZoomPreset(std::optional<std::size_t> preset);
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+  private:
+    void makePreset(std::size_t preset);
+
+    TextView* zoomBarLabel_;
+    std::vector<FlatButton*> zoomPresetButtons_;
 };
 
 }  // namespace sonavault
