@@ -21,8 +21,8 @@ class ScheduledAircheckCardView final : public QWidget {
     ScheduledAircheckCardView(ScheduledAircheckCard card, QWidget* parent);
     ~ScheduledAircheckCardView() override;
 
-    // The person did something. The view must outlive each call, and may be taken away in the midst
-    // of the last two.
+    // The person did something. The view lives until the call returns: whoever takes it away in the
+    // midst of one deletes it later.
     std::function<void(const ScheduledAircheckCard&)> onChange;
     std::function<void()> onAddBelow;
     std::function<void()> onRemove;
