@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <QPainterPath>
+#include <QStyledItemDelegate>
 #include <QWheelEvent>
 #include <cmath>
 
@@ -131,6 +132,7 @@ CardPopUp::CardPopUp(const QStringList& items, const QFont& font, QWidget* paren
     addItems(items);
     setFocusPolicy(Qt::TabFocus);
     setMaxVisibleItems(12);
+    setItemDelegate(new QStyledItemDelegate(this));  // the one that heeds the rules below
     // The list that pops up is the style's own; this much makes it the same under every style.
     setStyleSheet(
         QStringLiteral("QComboBox { combobox-popup: 0; }"
