@@ -37,11 +37,13 @@ class HelpLauncher {
     /// Opens the help, or brings it to the front as it stands.
     void helpClicked();
 
+    /// Whether the help's own process runs.
+    bool isRunning() const;
+
     /// The page that says that there is no help, while it is open.
     QTextBrowser* offlinePage() const { return offlinePage_; }
 
   private:
-    bool isRunning() const;
     void start();
     void ended();
     void openElsewhere(const QString& error);
