@@ -2,7 +2,6 @@
 
 #include <QPainter>
 #include <QPainterPath>
-#include <QStyledItemDelegate>
 #include <QWheelEvent>
 #include <cmath>
 
@@ -132,14 +131,13 @@ CardPopUp::CardPopUp(const QStringList& items, const QFont& font, QWidget* paren
     addItems(items);
     setFocusPolicy(Qt::TabFocus);
     setMaxVisibleItems(12);
-    setItemDelegate(new QStyledItemDelegate(this));  // the one that heeds the rules below
     // The list that pops up is the style's own; this much makes it the same under every style.
     setStyleSheet(
         QStringLiteral("QComboBox { combobox-popup: 0; }"
                        "QAbstractItemView { background: white; color: rgb(38, 38, 38);"
                        "  selection-background-color: rgb(0, 112, 245); selection-color: white;"
                        "  border: 1px solid rgb(176, 176, 182); outline: none; }"
-                       "QAbstractItemView::item { min-height: 26px; padding-left: 8px; }"));
+                       "QAbstractItemView::item { min-height: 26px; }"));
 }
 
 void CardPopUp::paintEvent(QPaintEvent*) {
