@@ -25,7 +25,8 @@ class ParentLines {
 
   private:
     struct Shared;
-    std::shared_ptr<Shared> shared_;
+    class Receiver;
+    std::unique_ptr<Receiver> receiver_;
 };
 
 }  // namespace sonavault
