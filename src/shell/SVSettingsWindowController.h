@@ -4,6 +4,9 @@
 #include <memory>
 
 #include "platform/Preferences.h"
+#include "recorder/SVQualityLevel.h"
+#include "shell/QualitySlider.h"
+#include "views/TextView.h"
 
 namespace sonavault {
 
@@ -22,6 +25,28 @@ class SVSettingsWindowController {
     void showWindow();
 
     QWidget& window();
+
+    QualitySlider& slider() { return *slider_; }
+
+  private:
+    void buildContents();
+    void buildLevelLabels();
+    TextView* addText(const QString& text, const QFont& font, const QColor& colour,
+                      const QRect& frame, const QString& tip);
+    void centre();
+
+    void sliderChanged(int value);
+    void refreshLabels();
+    SVQualityLevel chosenLevel() const;
+
+    Preferences& preferences_;
+    std::unique_ptr<QWidget> window_;
+    // Owned by the window.
+    QualitySlider* slider_ = nullptr;
+    TextView* qualityHeadline_ = nullptr;
+    TextView* detailLabel_ = nullptr;
+    TextView* sizeLabel_ = nullptr;
+    TextView* dayLabel_ = nullptr;
 };
 
 }  // namespace sonavault
