@@ -3,15 +3,13 @@
 #include <array>
 #include <vector>
 
+#include "platform/SampleMath.h"
 #include "review/Colour.h"
 
 namespace sonavault {
 
 // The one scale of all level displays: the meters and the lights of today's row change their colour
 // at the same two limits.
-
-/// What is shown before there is a level. Units: dBFS
-inline constexpr float kSilenceDb = -160;
 
 inline constexpr float kThresholdLow = -60;  ///< Units: dBFS
 inline constexpr float kThresholdMed = -24;

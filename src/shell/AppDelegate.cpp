@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QCloseEvent>
 #include <QMenuBar>
 #include <QScreen>
 
@@ -14,6 +15,15 @@ namespace {
 QString nameAndVersion() {
     return QStringLiteral("Sonavault ") + QString::fromUtf8(kSonavaultVersion);
 }
+
+/// Its end is the program's, whatever other window is still open.
+class MainWindow final : public QMainWindow {
+  protected:
+    void closeEvent(QCloseEvent* event) override {
+        event->accept();
+        QApplication::quit();
+    }
+};
 
 }  // namespace
 
@@ -61,7 +71,7 @@ void AppDelegate::installDelegateMenu() {
 }
 
 void AppDelegate::makeWindow() {
-    window_ = std::make_unique<QMainWindow>();
+    window_ = std::make_unique<MainWindow>();
     window_->setMenuBar(menu_.bar);
     window_->setWindowIcon(applicationIcon());
     window_->setMouseTracking(true);

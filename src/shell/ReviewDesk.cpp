@@ -2,10 +2,10 @@
 
 namespace sonavault {
 
-ReviewDesk::ReviewDesk(ShellServices& services, KeyResponderView& view,
+ReviewDesk::ReviewDesk(ShellServices& services, ReviewScreen& screen,
                        std::function<const SVRecorder*()> recorder)
     : services_(services),
-      view_(view),
+      screen_(screen),
       recorder_(std::move(recorder)),
       lengths_(services.cacheFolder),
       days_(services.recorder.stationFolder, services.recorder.clock, services.recorder.log,
@@ -13,14 +13,7 @@ ReviewDesk::ReviewDesk(ShellServices& services, KeyResponderView& view,
       peaks_(*this, services.recorder.clock, services.recorder.log, services.recorder.mainQueue),
       day_(*this, days_, peaks_, services.recorder.clock, services.recorder.log),
       playback_(*this, day_, peaks_, services.audioOutput, services.recorder.clock,
-                services.recorder.log) {
-    view_.dayList().onDateChosen = [this](const std::string& date) {
-        day_.selectAndLoadRecording(date);
-    };
-    view_.dayList().onDeleteRequested = [this](const DailyRecording& row) {
-        days_.deleteRecording(row);
-    };
-}
+                services.recorder.log) {}
 
 bool ReviewDesk::isRecording() const {
     return recorder_() && recorder_()->isRecording();
@@ -39,20 +32,19 @@ void ReviewDesk::loadRecording(const std::filesystem::path& audio, bool silent) 
 }
 
 void ReviewDesk::renderDateList() {
-    view_.dayList().render(days_.dailyRecordings(), days_.selectedDate());
+    screen_.renderDateList(days_.dailyRecordings(), days_.selectedDate());
 }
 
-void ReviewDesk::updateRow(const DailyRecording& row) {
-    view_.dayList().updateRow(row);
-}
-
-void ReviewDesk::setStatusBarText(const std::string& text) {
-    view_.statusBar().statusBarText().showText(QString::fromStdString(text));
-}
-
-void ReviewDesk::showEmptyState(const std::string& text) {
-    view_.emptyState().showText(QString::fromStdString(text));
-    view_.emptyState().setVisible(!text.empty());
+std::optional<AudioExtent> ReviewDesk::audioExtent() const {
+    const auto& url = day_.loadedFileURL();
+    const auto file = day_.loadedFile();
+    if (!url || !file) return std::nullopt;
+    std::optional<RecordingNow> recording;
+    if (isRecording())
+        recording = RecordingNow{.lastRecordingURL = lastRecordingURL(),
+                                 .currentRecordingDurationSec = currentRecordingDurationSec()};
+    return AudioExtent{.start = day_.currentRecordingOffset(),
+                       .durationSec = audioDurationSec(*url, file->durationSec(), recording)};
 }
 
 std::size_t ReviewDesk::ask(const DayListWarning& warning) {

@@ -8,6 +8,7 @@
 #include "platform/Preferences.h"
 #include "recorder/SVRecorder.h"
 #include "shell/Alerts.h"
+#include "shell/ExportDialogs.h"
 #include "shell/StationHub.h"
 
 namespace sonavault {
@@ -39,9 +40,13 @@ struct ShellServices {
     std::filesystem::path cacheFolder;  ///< for what can be made anew
     StationHub& hub;
 
-    /// Hands a file to the program with which the person's desktop opens it; false when there is
-    /// none.
-    std::function<bool(const std::filesystem::path&)> openFile;
+    ExportDialogs& exportDialogs;
+
+    /// Shows a file in the desktop's file viewer.
+    std::function<void(const std::filesystem::path&)> revealInFileViewer;
+
+    /// The person asked for help.
+    std::function<void()> helpClicked;
 };
 
 }  // namespace sonavault

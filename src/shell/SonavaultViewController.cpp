@@ -1,5 +1,6 @@
 #include "shell/SonavaultViewController.h"
 
+#include "shell/ConnectionDot.h"
 #include "store/OrphanRecovery.h"
 
 namespace sonavault {
@@ -8,56 +9,82 @@ SonavaultViewController::SonavaultViewController(ShellServices services)
     : services_(std::move(services)),
       rootView_(new KeyResponderView),
       desk_(std::make_shared<RecorderDesk>()),
-      review_(services_, *rootView_, [this] { return recorder_.get(); }),
+      timeline_(services_, *rootView_, recordingFacts()),
       station_(services_.hub, services_.recorder.clock, services_.recorder.log,
-               services_.preferences, services_.recorder.makeMainTimer(), stationFacts()) {
+               services_.preferences, services_.recorder.makeMainTimer(), stationFacts()),
+      exports_(services_, timeline_.review(), timeline_.selections(), exportOutlets()),
+      keys_(timeline_, exports_, [this] { toggleRecordingFromMenu(); }) {
     desk_->onStatusText = [this](const std::string& text) { setStatusBarText(text); };
     desk_->onAlert = [this](const std::string& message, const std::string& information) {
         showWarning(message, information);
     };
     desk_->onLivePeak = [this](float rms, double bucketSec) {
-        review_.peaks().appendLivePeak(rms, bucketSec);
+        review().peaks().appendLivePeak(rms, bucketSec);
     };
-    review_.days().reloadDailyRecordings();
+    buildTabs();
+    review().days().reloadDailyRecordings();
 }
 
 SonavaultViewController::~SonavaultViewController() {
+    keyMonitor_.reset();
     displayTimer_.reset();
     recorder_.reset();
     delete rootView_.data();
 }
 
-// Start
-
-void SonavaultViewController::afterWindowReady() {
-    showRecordingStatus();
-    review_.renderDateList();
-    review_.playback().setupAudioEngine();
-    putDaysRight();
-    makeRecorder();
-    recorder_->applySourceMode(sourceMode());
-    if (autoResumesOnLaunch(services_.preferences)) autoResumeAtLaunch();
-    startDisplayLoop();
-    station_.startSwitchboard();
+RecordingFacts SonavaultViewController::recordingFacts() {
+    return {.recorder = [this] { return recorder_.get(); },
+            .isRecording = [this] { return desk_->isRecording(); },
+            .inputDb = [this] { return desk_->recordingInputDb(); },
+            .toggleRecording = [this] { toggleRecordingFromMenu(); }};
 }
 
 StationIntegration::Facts SonavaultViewController::stationFacts() {
     return {.isRecording = [this] { return desk_->isRecording(); },
             .recorder = [this] { return recorder_.get(); },
             .todaysMarkerCount = [this]() -> std::optional<int> {
-                const auto row = review_.days().rowOf(todayDateString(services_.recorder.clock));
+                const auto row = review().days().rowOf(todayDateString(services_.recorder.clock));
                 if (!row) return std::nullopt;
                 return row->markerCount;
             }};
+}
+
+ExportDesk::Outlets SonavaultViewController::exportOutlets() {
+    return {
+        .statusBarText = [this](const std::string& text) { setStatusBarText(text); },
+        .publish = [this](const AircheckSaved& saved) { station_.publishAircheckSaved(saved); }};
+}
+
+void SonavaultViewController::buildTabs() {
+    timeline_.onExportSelections = [this] { exports_.exportSelections(); };
+    rootView_->setTabs(&timeline_.view(), new AirchecksTabView(exports_.schedule(), rootView_));
+    rootView_->onSettingsClicked = [this] { settingsClicked(); };
+    rootView_->onHelpClicked = [this] { services_.helpClicked(); };
+}
+
+// Start
+
+void SonavaultViewController::afterWindowReady() {
+    timeline_.view().layOutLogsTab();
+    review().renderDateList();
+    timeline_.renderTimeline();
+    review().playback().setupAudioEngine();
+    putDaysRight();
+    makeRecorder();
+    recorder_->applySourceMode(sourceMode());
+    if (autoResumesOnLaunch(services_.preferences)) autoResumeAtLaunch();
+    startDisplayLoop();
+    keyMonitor_ = std::make_unique<KeyMonitor>(*rootView_, keys_);
+    station_.startSwitchboard();
 }
 
 /// Before there is a recorder, so that nothing is swept that is being written.
 void SonavaultViewController::putDaysRight() {
     recoverOrphanedRecordings(services_.recorder.stationFolder, services_.recorder.clock,
                               services_.recorder.log);
-    review_.days().reloadDailyRecordings();
-    review_.renderDateList();
-    review_.day().loadStartupRecording();
+    review().days().reloadDailyRecordings();
+    review().renderDateList();
+    review().day().loadStartupRecording();
 }
 
 void SonavaultViewController::makeRecorder() {
@@ -83,11 +110,15 @@ void SonavaultViewController::startDisplayLoop() {
 // The tick
 
 void SonavaultViewController::tickDisplay() {
-    review_.playback().advancePlayhead();
+    timeline_.tickPlayhead();
+    timeline_.tickMeters();
     tryOwedRecording();
-    showRecordingStatus();
+    showConnection();
+    rootView_->statusBar().showProgress(exports_.progress());
+    timeline_.tickLiveRows();
     const double moment = now();
-    review_.days().liveRefreshTodayRowIfDue(moment);
+    review().days().liveRefreshTodayRowIfDue(moment);
+    exports_.schedule().tickDisplay();
     station_.detectAndPublishRecordingStateTransition();
     station_.publishCurrentRecordingStateIfDue(moment);
 }
@@ -108,26 +139,15 @@ bool SonavaultViewController::isWaitingForLink() const {
            recorder_->sourceMode() == SVRecorderSourceMode::cadenzoTCP;
 }
 
-void SonavaultViewController::showRecordingStatus() {
-    const RecordingStatus status = recordingStatus();
-    rootView_->statusBar().connectionDot().setColour(connectionDotColour(status));
-    rootView_->recordingPanel().show(status);
-}
-
-RecordingStatus SonavaultViewController::recordingStatus() const {
-    if (!recorder_) return {};
-    return {
-        .source = recorder_->sourceMode(),
-        .isRecording = desk_->isRecording(),
-        .isWaiting = isWaitingForLink() || owedRecording_.isWaiting(),
-        .isCadenzoConnected = recorder_->isCadenzoConnected(),
-        .durationSec = recorder_->currentRecordingDurationSec(),
-        .inputDb = desk_->recordingInputDb(),
-    };
+void SonavaultViewController::showConnection() {
+    std::optional<SVRecorderSourceMode> source;
+    if (recorder_) source = recorder_->sourceMode();
+    rootView_->statusBar().setConnectionDotColour(
+        connectionDotColour(source, recorder_ && recorder_->isCadenzoConnected()));
 }
 
 void SonavaultViewController::setStatusBarText(const std::string& text) {
-    rootView_->statusBar().statusBarText().showText(QString::fromStdString(text));
+    rootView_->statusBar().setStatusBarText(text);
 }
 
 // Choices that are kept
@@ -159,10 +179,7 @@ void SonavaultViewController::openLastRecordingFromMenu() {
              .information = QStringLiteral("Press ⌘R to start a recording first.")});
         return;
     }
-    const auto& file = *recorder_->lastRecordingURL();
-    if (!services_.openFile(file))
-        showWarning("The recording could not be opened",
-                    "No program on this computer opens " + file.string() + ".");
+    review().day().loadRecording(*recorder_->lastRecordingURL());
 }
 
 void SonavaultViewController::changeSource(SVRecorderSourceMode mode) {
@@ -170,6 +187,13 @@ void SonavaultViewController::changeSource(SVRecorderSourceMode mode) {
     owedRecording_.personDecided();
     if (recorder_) recorder_->applySourceMode(mode);
     if (onSourceModeChanged) onSourceModeChanged();
+}
+
+void SonavaultViewController::settingsClicked() {
+    if (!settingsWindowController_)
+        settingsWindowController_ =
+            std::make_unique<SVSettingsWindowController>(services_.preferences);
+    settingsWindowController_->showWindow();
 }
 
 void SonavaultViewController::showWarning(const std::string& message,

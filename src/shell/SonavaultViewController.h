@@ -7,13 +7,17 @@
 #include <string>
 
 #include "recorder/SVRecorder.h"
-#include "shell/KeyResponderView.h"
+#include "shell/ExportDesk.h"
+#include "shell/KeyDesk.h"
+#include "shell/KeyMonitor.h"
 #include "shell/OwedRecording.h"
 #include "shell/RecorderDesk.h"
-#include "shell/RecordingStatus.h"
-#include "shell/ReviewDesk.h"
+#include "shell/SVSettingsWindowController.h"
 #include "shell/ShellServices.h"
 #include "shell/StationIntegration.h"
+#include "shell/TimelineDesk.h"
+#include "views/AirchecksTabView.h"
+#include "views/KeyResponderView.h"
 
 namespace sonavault {
 
@@ -37,8 +41,8 @@ class SonavaultViewController {
 
     /// Called once when the window is on the screen: opens the loudspeakers, puts right what a
     /// crash has left in the recordings folder, lists the days and loads one, makes the recorder,
-    /// gives it the chosen source, begins recording if that is wanted at launch, starts the tick
-    /// and joins the hub.
+    /// gives it the chosen source, begins recording if that is wanted at launch, starts the tick,
+    /// listens to the keys and joins the hub.
     void afterWindowReady();
 
     /// The source last chosen, as the preferences have it; the line input without a known one.
@@ -69,10 +73,14 @@ class SonavaultViewController {
     /// Null until afterWindowReady().
     const SVRecorder* recorder() const { return recorder_.get(); }
 
-    RecordingStatus recordingStatus() const;
-
     /// The days and the one under review.
-    ReviewDesk& review() { return review_; }
+    ReviewDesk& review() { return timeline_.review(); }
+
+    /// How that one is shown.
+    TimelineDesk& timeline() { return timeline_; }
+
+    /// What is cut from it.
+    ExportDesk& exports() { return exports_; }
 
     /// What the station's other programs hear and say.
     StationIntegration& station() { return station_; }
@@ -88,18 +96,26 @@ class SonavaultViewController {
     void tryOwedRecording();
     bool isWaitingForLink() const;
     void changeSource(SVRecorderSourceMode mode);
-    void showRecordingStatus();
+    RecordingFacts recordingFacts();
+    ExportDesk::Outlets exportOutlets();
+    void buildTabs();
+    void settingsClicked();
+    void showConnection();
     void showWarning(const std::string& message, const std::string& information);
     double now() const { return secondsSince1970(services_.recorder.clock.now()); }
 
     ShellServices services_;
     QPointer<KeyResponderView> rootView_;
     std::shared_ptr<RecorderDesk> desk_;
-    ReviewDesk review_;
+    TimelineDesk timeline_;
     StationIntegration station_;
+    ExportDesk exports_;
+    KeyDesk keys_;
     OwedRecording owedRecording_;
     std::unique_ptr<SVRecorder> recorder_;
     std::unique_ptr<QTimer> displayTimer_;
+    std::unique_ptr<KeyMonitor> keyMonitor_;
+    std::unique_ptr<SVSettingsWindowController> settingsWindowController_;
 };
 
 }  // namespace sonavault

@@ -115,16 +115,17 @@ void StationIntegration::publishRecordingStateChanged(const RecordingTransition&
     hub_.notify(kSwitchboardTopicRecordingState, payload);
 }
 
-void StationIntegration::publishAircheckSaved(const SavedAircheck& aircheck) {
-    hub_.notify(kSwitchboardTopicAircheckSaved, {{"label", qString(aircheck.label)},
-                                                 {"mode", qString(aircheck.mode)},
-                                                 {"date", qString(aircheck.date)},
-                                                 {"startHour", aircheck.startHour},
-                                                 {"endHour", aircheck.endHour},
-                                                 {"outputPath", qString(aircheck.output.string())},
-                                                 {"segmentCount", aircheck.segmentCount},
-                                                 {"totalDurationSec", aircheck.totalDurationSec},
-                                                 {"source", qString(aircheck.source)}});
+void StationIntegration::publishAircheckSaved(const AircheckSaved& aircheck) {
+    hub_.notify(kSwitchboardTopicAircheckSaved,
+                {{"label", qString(aircheck.label)},
+                 {"mode", qString(aircheck.mode)},
+                 {"date", qString(aircheck.date)},
+                 {"startHour", aircheck.startHour},
+                 {"endHour", aircheck.endHour},
+                 {"outputPath", qString(aircheck.outputURL.string())},
+                 {"segmentCount", static_cast<qint64>(aircheck.segmentCount)},
+                 {"totalDurationSec", aircheck.totalDurationSec},
+                 {"source", qString(aircheck.source)}});
 }
 
 // What is heard

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "export/ExportHost.h"
 #include "platform/Clock.h"
 #include "platform/Executor.h"
 #include "platform/Log.h"
@@ -31,19 +32,6 @@ inline constexpr auto kSwitchboardStateKeyCurrentRecording = "sonavault.current-
 // Reserved: nothing is published on these.
 inline constexpr auto kSwitchboardTopicHeartbeat = "sonavault.heartbeat";
 inline constexpr auto kSwitchboardTopicCurrentRecording = "sonavault.current-recording";
-
-/// A compiled aircheck, as the station hears of it.
-struct SavedAircheck {
-    std::string label;
-    std::string mode;  ///< "liveMic" or "voicetracked"
-    std::string date;  ///< of the day that was compiled
-    int startHour = 0;
-    int endHour = 0;
-    std::filesystem::path output;
-    int segmentCount = 0;
-    double totalDurationSec = 0;
-    std::string source;  ///< "manual" or "scheduled"
-};
 
 /// What this program tells the station's other programs of its recording, and what it makes of the
 /// automation's playback events. Everything works without a hub.
@@ -78,7 +66,7 @@ class StationIntegration {
     /// The same, unless it was done within the interval. `now`: seconds since 1970
     void publishCurrentRecordingStateIfDue(double now);
 
-    void publishAircheckSaved(const SavedAircheck& aircheck);
+    void publishAircheckSaved(const AircheckSaved& aircheck);
 
     /// An event of the automation's playback becomes a marker of the day that is being recorded.
     void handleCadenzoPlaybackStateChanged(const QJsonObject& payload);

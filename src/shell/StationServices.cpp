@@ -5,6 +5,7 @@
 
 #include "links/SVAudioServer.h"
 #include "links/SVMarkerServer.h"
+#include "platform/FileViewer.h"
 
 namespace sonavault {
 namespace {
@@ -16,8 +17,10 @@ Preferences domain(const char* name) {
     return Preferences(Preferences::fileForDomain(name));
 }
 
-bool openOnDesktop(const std::filesystem::path& file) {
-    return QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(file.string())));
+void revealInFileViewer(const std::filesystem::path& file) {
+    showInFileViewer(file, [folder = file.parent_path()] {
+        QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(folder.string())));
+    });
 }
 
 }  // namespace
@@ -42,7 +45,9 @@ ShellServices StationServices::services() {
         .audioOutput = audioOutput_,
         .cacheFolder = cacheFolder(),
         .hub = hub_,
-        .openFile = openOnDesktop,
+        .exportDialogs = exportDialogs_,
+        .revealInFileViewer = revealInFileViewer,
+        .helpClicked = [this] { help_.helpClicked(); },
     };
 }
 

@@ -7,6 +7,7 @@
 #include "platform/Log.h"
 #include "platform/Preferences.h"
 #include "platform/SerialQueue.h"
+#include "shell/HelpLauncher.h"
 #include "shell/ShellServices.h"
 #include "store/StationFolder.h"
 
@@ -34,6 +35,8 @@ class StationServices {
     CubebAudioInput lineInput_;
     CubebOutput audioOutput_;
     MessageBoxAlerts alerts_;
+    WindowExportDialogs exportDialogs_;
+    HelpLauncher help_{HelpServices::ofThisMachine()};
     SwitchboardHub hub_{mainQueue_};
 };
 

@@ -1,5 +1,7 @@
 #include "shell/ShellFixture.h"
 
+#include "views/DotView.h"
+
 namespace sonavault::testing {
 
 void SwitchedLineInput::deliver(FrameCount frames, float amplitude) {
@@ -40,11 +42,10 @@ ShellServices ShellFixture::services() {
         .audioOutput = output_,
         .cacheFolder = temp_ / "cache",
         .hub = hub_,
-        .openFile =
-            [this](const std::filesystem::path& file) {
-                opened_.push_back(file);
-                return opensFiles_;
-            },
+        .exportDialogs = dialogs_,
+        .revealInFileViewer =
+            [this](const std::filesystem::path& file) { revealed_.push_back(file); },
+        .helpClicked = [this] { ++timesHelped_; },
     };
 }
 
@@ -84,12 +85,18 @@ void ShellFixture::dropCadenzo() {
     tickOnce();
 }
 
+QColor ShellFixture::colourOfDot(SonavaultViewController& controller) {
+    return controller.rootView()
+        .findChild<DotView*>(QStringLiteral("statusBarConnectionDot"))
+        ->colour();
+}
+
 std::string ShellFixture::statusText() {
-    return controller().rootView().statusBar().statusBarText().text().toStdString();
+    return controller().rootView().statusBar().statusBarText();
 }
 
 QColor ShellFixture::dotColour() {
-    return controller().rootView().statusBar().connectionDot().colour();
+    return colourOfDot(controller());
 }
 
 std::filesystem::path ShellFixture::dayFile() const {

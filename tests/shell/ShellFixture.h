@@ -131,6 +131,24 @@ class RecordedAlerts final : public Alerts {
     std::vector<Alert> shown;
 };
 
+/// Answers what an export asks as it was told to, and keeps what was asked.
+class RecordedDialogs final : public ExportDialogs {
+  public:
+    AircheckAnswer askForAircheck(const AircheckQuestion& question) override {
+        questions.push_back(question);
+        return aircheck;
+    }
+    std::optional<std::filesystem::path> chooseOutput(const SavePanel& panel) override {
+        panels.push_back(panel);
+        return output;
+    }
+
+    AircheckAnswer aircheck{.button = 2};
+    std::optional<std::filesystem::path> output;
+    std::vector<AircheckQuestion> questions;
+    std::vector<SavePanel> panels;
+};
+
 /// The whole program on a station of its own, with its clock, sources and alerts in the test's
 /// hands.
 class ShellFixture : public ::testing::Test {
@@ -163,7 +181,8 @@ class ShellFixture : public ::testing::Test {
 
     std::string statusText();
     QColor dotColour();
-    RecordingPanel& panel() { return controller().rootView().recordingPanel(); }
+    static QColor colourOfDot(SonavaultViewController& controller);
+    bool isRecording() { return recorder().isRecording(); }
     std::filesystem::path dayFile() const;
 
     // There is no window manager to tell the window's least size to.
@@ -182,8 +201,9 @@ class ShellFixture : public ::testing::Test {
     SilentOutput output_;
     RecordedAlerts alerts_;
     RecordedHub hub_;
-    std::vector<std::filesystem::path> opened_;
-    bool opensFiles_ = true;
+    RecordedDialogs dialogs_;
+    std::vector<std::filesystem::path> revealed_;
+    int timesHelped_ = 0;
     ScriptedAudioLink* link_ = nullptr;
     std::unique_ptr<AppDelegate> delegate_;
 };

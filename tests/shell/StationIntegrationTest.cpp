@@ -205,7 +205,7 @@ TEST_F(StationIntegrationTest, announces_an_aircheck) {
                                                  .date = "2026-03-01",
                                                  .startHour = 6,
                                                  .endHour = 10,
-                                                 .output = "/a/Morning.mp3",
+                                                 .outputURL = "/a/Morning.mp3",
                                                  .segmentCount = 12,
                                                  .totalDurationSec = 345.5,
                                                  .source = "scheduled"});

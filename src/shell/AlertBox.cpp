@@ -1,0 +1,66 @@
+#include "shell/AlertBox.h"
+
+#include <QApplication>
+#include <QDialogButtonBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <QPushButton>
+
+#include "shell/ApplicationIcon.h"
+#include "views/Theme.h"
+
+namespace sonavault {
+namespace {
+
+constexpr int kIconSize = 64;
+constexpr int kMargin = 20;
+constexpr int kLeastTextWidth = 340;
+
+void showIcon(QMessageBox& box, const Alert& alert) {
+    if (alert.showsApplicationIcon)
+        box.setIconPixmap(applicationIcon().pixmap(kIconSize, kIconSize));
+    else
+        box.setIcon(alert.style == Alert::warning ? QMessageBox::Warning
+                                                  : QMessageBox::Information);
+}
+
+/// The message stands out from what is said about it.
+void setType(QMessageBox& box) {
+    if (auto* message = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) {
+        message->setFont(interfaceFont(14, QFont::DemiBold));
+        message->setMinimumWidth(kLeastTextWidth);
+    }
+    box.layout()->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+}
+
+}  // namespace
+
+AlertBox::AlertBox(const Alert& alert) : QMessageBox(QApplication::activeWindow()) {
+    showIcon(*this, alert);
+    setWindowTitle(QStringLiteral("Sonavault"));
+    // What is quoted in a message, such as a file's name, must not be taken for markup.
+    setTextFormat(Qt::PlainText);
+    setText(alert.message);
+    setInformativeText(alert.information);
+    setType(*this);
+    for (const auto& title : alert.buttons)
+        buttons_.append(addButton(title, QMessageBox::ActionRole));
+    setDefaultButton(static_cast<QPushButton*>(buttons_.first()));
+    setEscapeButton(buttons_.last());
+}
+
+void AlertBox::addAccessory(QWidget* view) {
+    auto& rows = *static_cast<QGridLayout*>(layout());
+    auto* buttons = findChild<QDialogButtonBox*>();
+    rows.removeWidget(buttons);
+    const int row = rows.rowCount();
+    rows.addWidget(view, row, 0, 1, rows.columnCount(), Qt::AlignHCenter);
+    rows.addWidget(buttons, row + 1, 0, 1, rows.columnCount());
+}
+
+int AlertBox::showModally() {
+    exec();
+    return static_cast<int>(buttons_.indexOf(clickedButton()));
+}
+
+}  // namespace sonavault

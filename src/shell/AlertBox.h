@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QList>
+#include <QMessageBox>
+
+#include "shell/Alerts.h"
+
+namespace sonavault {
+
+/// The window of an alert.
+///
+/// Thread: main.
+class AlertBox final : public QMessageBox {
+  public:
+    explicit AlertBox(const Alert& alert);
+
+    /// Puts a view of fixed size between the text and the buttons. Owns: this box, from here on.
+    void addAccessory(QWidget* view);
+
+    /// Gives the index of the button chosen; the last one when the alert was closed without a
+    /// choice.
+    int showModally();
+
+  private:
+    QList<QAbstractButton*> buttons_;
+};
+
+}  // namespace sonavault

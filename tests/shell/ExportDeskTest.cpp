@@ -1,0 +1,118 @@
+#include "shell/ExportDesk.h"
+
+#include <QTest>
+
+#include "shell/ShellFixture.h"
+#include "store/MarkerLogWriter.h"
+#include "support/SyntheticMp3.h"
+
+namespace sonavault::testing {
+namespace {
+
+class ExportDeskTest : public ShellFixture {
+  protected:
+    ExportDeskTest() {
+        std::filesystem::create_directories(day_.parent_path());
+        // 360 s from 10:00:00.
+        writeFile(day_, SyntheticMp3().frames(10'000).bytes());
+        writeFile(std::filesystem::path(day_).replace_extension("json"),
+                  R"({"version": 1, "start_offset_sec": 36000})");
+        writeFile(std::filesystem::path(day_).replace_extension("csv"),
+                  kMarkerLogHeader + markerRow("10:01:00", "mic_start", "News", 0) +
+                      markerRow("10:02:00", "mic_end", "News", 0));
+    }
+
+    void select(double from, double to) {
+        auto& selections = controller().timeline().selections();
+        selections.append({from}, {to});
+    }
+
+    bool awaitFile(const std::filesystem::path& file) {
+        return QTest::qWaitFor(
+            [&] {
+                tickOnce();
+                return std::filesystem::exists(file) && !controller().exports().progress();
+            },
+            10'000);
+    }
+
+    const std::filesystem::path day_ =
+        temp_ / "home/Calderwave/Station/Logs/Audio/Sonavault_2026-03-01.mp3";
+    const std::filesystem::path output_ = temp_ / "cut.mp3";
+};
+
+TEST_F(ExportDeskTest, saves_the_selections_where_the_person_said_and_shows_the_file) {
+    launch();
+    select(36'060, 36'090);
+    dialogs_.output = output_;
+    controller().exports().exportSelections();
+    EXPECT_EQ(statusText(), "Exporting…");
+    ASSERT_TRUE(awaitFile(output_));
+    ASSERT_EQ(dialogs_.panels.size(), 1U);
+    EXPECT_EQ(dialogs_.panels.front().nameField, "2026-03-01_selections.mp3");
+    ASSERT_EQ(alerts_.shown.size(), 2U);
+    EXPECT_EQ(alerts_.shown[0].message, "Save 1 selection into a single file");
+    EXPECT_EQ(alerts_.shown[0].buttons, (QStringList{"Browse...", "Cancel"}));
+    EXPECT_EQ(alerts_.shown[1].message, "Saved");
+    EXPECT_EQ(revealed_, std::vector{output_});
+    EXPECT_EQ(statusText(), "");
+    EXPECT_NE(readFile(day_).find(readFile(output_)), std::string::npos);
+    EXPECT_EQ(preferences_.text(kLastExportFolderKey), output_.parent_path().string());
+}
+
+TEST_F(ExportDeskTest, warns_when_an_export_fails) {
+    launch();
+    select(36'060, 36'090);
+    dialogs_.output = temp_ / "absent" / "cut.mp3";
+    controller().exports().exportSelections();
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] {
+            tickOnce();
+            return alerts_.shown.size() == 2;
+        },
+        10'000));
+    EXPECT_EQ(alerts_.shown[1].message, "Export failed");
+    EXPECT_EQ(alerts_.shown[1].style, Alert::warning);
+}
+
+TEST_F(ExportDeskTest, announces_a_compiled_aircheck_on_the_hub) {
+    launch();
+    dialogs_.aircheck = {.button = 0, .startHour = 0, .endHour = 23};
+    dialogs_.output = output_;
+    controller().exports().exportAircheck();
+    ASSERT_TRUE(awaitFile(output_));
+    ASSERT_EQ(hub_.notified.size(), 1U);
+    EXPECT_EQ(hub_.notified.front().about, kSwitchboardTopicAircheckSaved);
+    EXPECT_EQ(hub_.notified.front().what["source"].toString(), "manual");
+    EXPECT_EQ(hub_.notified.front().what["outputPath"].toString().toStdString(), output_.string());
+    EXPECT_EQ(hub_.notified.front().what["segmentCount"].toInt(), 1);
+    EXPECT_EQ(hub_.notified.front().what["totalDurationSec"].toDouble(), 76);
+}
+
+TEST_F(ExportDeskTest, runs_a_stored_card_that_is_due_at_the_first_tick_and_once_only) {
+    const ScheduledAircheckCard card{.id = "a",
+                                     .label = "Morning",
+                                     .daysOfWeek = {1, 2, 3, 4, 5, 6, 7},
+                                     .startHour = 10,
+                                     .endHour = 10,
+                                     .mode = "liveMic",
+                                     .active = true};
+    preferences_.setBytes(kScheduledAirchecksKey, encodeCards({card}));
+    launch();
+    tickOnce();
+    const auto aircheck = temp_ / "home/Calderwave/Station/Logs/Airchecks" /
+                          "Aircheck_Morning_Live_2026-03-02_10-10.mp3";
+    ASSERT_TRUE(awaitFile(aircheck));
+    std::filesystem::remove(aircheck);
+    passSeconds(61);
+    EXPECT_FALSE(std::filesystem::exists(aircheck));
+    EXPECT_TRUE(alerts_.shown.empty());
+}
+
+TEST_F(ExportDeskTest, always_has_a_card_to_fill_in) {
+    launch();
+    EXPECT_EQ(controller().exports().schedule().scheduledAirchecks().size(), 1U);
+}
+
+}  // namespace
+}  // namespace sonavault::testing

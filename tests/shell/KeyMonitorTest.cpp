@@ -1,0 +1,117 @@
+#include "shell/KeyMonitor.h"
+
+#include <QAction>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QTest>
+
+#include "shell/ShellFixture.h"
+#include "support/SyntheticMp3.h"
+
+namespace sonavault::testing {
+namespace {
+
+class KeyMonitorTest : public ShellFixture {
+  protected:
+    KeyMonitorTest() {
+        // 144 s from 10:00:00.
+        const auto file = temp_ / "home/Calderwave/Station/Logs/Audio" / "Sonavault_2026-03-01.mp3";
+        writeFile(file, SyntheticMp3().frames(4000).bytes());
+        writeFile(std::filesystem::path(file).replace_extension("json"),
+                  R"({"version": 1, "start_offset_sec": 36000})");
+        launch();
+        root().setFocus();
+        QApplication::setActiveWindow(delegate().window());
+    }
+
+    KeyResponderView& root() { return controller().rootView(); }
+    double playhead() { return controller().review().day().playheadSec(); }
+    const std::vector<Selection>& selections() {
+        return controller().timeline().selections().selections();
+    }
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QTest::keyClick(&root(), key, modifiers);
+    }
+};
+
+TEST(KeyEventOf, knows_space_and_arrows_by_their_place_and_the_rest_by_what_they_print) {
+    const QKeyEvent left(QEvent::KeyPress, Qt::Key_Left, Qt::ControlModifier);
+    EXPECT_EQ(keyEventOf(left).keyCode, kLeftArrowKeyCode);
+    EXPECT_EQ(keyEventOf(left).modifierFlags, kCommandKeyMask);
+    const QKeyEvent bracket(QEvent::KeyPress, Qt::Key_BracketLeft, Qt::ShiftModifier);
+    EXPECT_EQ(keyEventOf(bracket).charactersIgnoringModifiers, "[");
+    EXPECT_EQ(keyEventOf(bracket).modifierFlags, kShiftKeyMask);
+    const QKeyEvent function(QEvent::KeyPress, Qt::Key_F1, Qt::NoModifier);
+    EXPECT_FALSE(keyEventOf(function).charactersIgnoringModifiers);
+}
+
+TEST_F(KeyMonitorTest, moves_the_playhead) {
+    press(Qt::Key_Right, Qt::ShiftModifier);
+    EXPECT_EQ(playhead(), 36010);
+    press(Qt::Key_Left, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(playhead(), 32400);
+}
+
+TEST_F(KeyMonitorTest, plays_and_stops) {
+    press(Qt::Key_Space);
+    EXPECT_TRUE(controller().review().playback().isPlaying());
+    press(Qt::Key_Space);
+    EXPECT_FALSE(controller().review().playback().isPlaying());
+}
+
+TEST_F(KeyMonitorTest, marks_undoes_and_clears_ranges) {
+    press(Qt::Key_BracketLeft);
+    press(Qt::Key_Right, Qt::ShiftModifier);
+    press(Qt::Key_BracketRight);
+    ASSERT_EQ(selections().size(), 1U);
+    EXPECT_EQ(selections().front().durationSec(), 10);
+    press(Qt::Key_C);
+    EXPECT_TRUE(selections().empty());
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(selections().size(), 1U);
+}
+
+TEST_F(KeyMonitorTest, takes_the_recording_shortcut_before_the_menu_and_only_once) {
+    press(Qt::Key_R, Qt::ControlModifier);
+    EXPECT_TRUE(isRecording());
+    press(Qt::Key_R, Qt::ControlModifier);
+    EXPECT_FALSE(isRecording());
+}
+
+TEST_F(KeyMonitorTest, leaves_the_airchecks_tab_its_keys) {
+    QTest::mouseClick(root().findChild<QWidget*>(QStringLiteral("tabBar")), Qt::LeftButton, {},
+                      {220, 20});
+    ASSERT_EQ(root().activeTab(), "airchecks");
+    press(Qt::Key_Space);
+    EXPECT_FALSE(controller().review().playback().isPlaying());
+}
+
+TEST_F(KeyMonitorTest, leaves_a_text_that_is_edited_its_letters) {
+    QLineEdit field(&root());
+    field.show();
+    field.setFocus();
+    ASSERT_EQ(QApplication::focusWidget(), &field);
+    QTest::keyClicks(&field, "[e]");
+    EXPECT_EQ(field.text(), "[e]");
+    EXPECT_FALSE(controller().timeline().selections().pendingStartSec());
+}
+
+TEST_F(KeyMonitorTest, leaves_other_windows_their_keys) {
+    QWidget other;
+    other.show();
+    QApplication::setActiveWindow(&other);
+    QTest::keyClick(&other, Qt::Key_Space);
+    EXPECT_FALSE(controller().review().playback().isPlaying());
+}
+
+TEST_F(KeyMonitorTest, does_once_what_a_held_key_repeats_unless_it_moves) {
+    QKeyEvent again(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, " ", true);
+    QApplication::sendEvent(&root(), &again);
+    EXPECT_FALSE(controller().review().playback().isPlaying());
+    QKeyEvent on(QEvent::KeyPress, Qt::Key_Right, Qt::ShiftModifier, "", true);
+    QApplication::sendEvent(&root(), &on);
+    EXPECT_EQ(playhead(), 36010);
+}
+
+}  // namespace
+}  // namespace sonavault::testing
