@@ -215,7 +215,7 @@ TEST_F(LogsTabViewTest, the_export_button_casts_a_soft_shadow_downwards) {
     const auto before = column();
     tab_.showExportSelectionsButton("Export selection to file");
     const auto after = column();
-    const auto below = [](int distance) { return static_cast<std::size_t>(10 + distance); };
+    const auto below = [](std::size_t distance) { return 10 + distance; };
     EXPECT_LT(after[below(0)], before[below(0)]);
     EXPECT_GT(after[below(2)], after[below(0)]) << "it fades";
     EXPECT_EQ(after[below(7)], before[below(7)]) << "it ends";
