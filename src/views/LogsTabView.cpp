@@ -52,7 +52,8 @@ LogsTabView::LogsTabView(TimelineHost& timeline, DateListHost& days, TransportAc
         if (onExportSelections) onExportSelections();
     });
     // The summary bar moves with the lanes, and so does what hangs on it.
-    connect(lanesScrollView_->verticalScrollBar(), &QScrollBar::valueChanged, this, [this] {
+    connect(lanesScrollView_->verticalScrollBar(), &QScrollBar::valueChanged, this, [this](int y) {
+        laneLabelsColumn_->scrollToY(y);
         if (!layingOut_) placeOverlays();
     });
 }
