@@ -13,8 +13,8 @@
 //   sonavault-help [--attached] [ADDRESS]
 //
 // With --attached it belongs to the program that started it: it says "shown" on its standard output
-// when its window is open, comes to the front at each line "raise" on its standard input, and ends
-// when that is closed.
+// when its window is open, comes to the front at each line "raise" on its standard input and says
+// "raised", and ends when that is closed.
 
 namespace {
 
@@ -26,8 +26,8 @@ void letRootRunIt() {
     qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
 }
 
-void sayShown() {
-    std::puts("shown");
+void say(const char* word) {
+    std::puts(word);
     std::fflush(stdout);
 }
 
@@ -44,10 +44,12 @@ int run(int argc, char** argv) {
     if (attached) {
         parent = std::make_unique<ParentLines>(
             [&window](const std::string& line) {
-                if (line == "raise") window.bringToFront();
+                if (line != "raise") return;
+                window.bringToFront();
+                say("raised");
             },
             [] { QApplication::quit(); });
-        sayShown();
+        say("shown");
     }
     return QApplication::exec();
 }

@@ -47,6 +47,7 @@ void HelpLauncher::helpClicked() {
     }
     // One that does not listen has not taken the last line either; more would only pile up.
     if (process_->bytesToWrite() == 0) process_->write("raise\n");
+    isRaiseAnswered_ = false;
 }
 
 bool HelpLauncher::isRunning() const {
@@ -59,11 +60,16 @@ void HelpLauncher::start() {
         return;
     }
     wasShown_ = false;
+    isRaiseAnswered_ = true;
+    // It may be its own last word that has this one started.
+    if (process_) process_.release()->deleteLater();
     process_ = std::make_unique<QProcess>();
     // The web engine has much to say that concerns nobody.
     process_->setStandardErrorFile(QProcess::nullDevice());
     QObject::connect(process_.get(), &QProcess::readyReadStandardOutput, process_.get(), [this] {
-        if (process_->readAllStandardOutput().contains("shown")) wasShown_ = true;
+        const QByteArray said = process_->readAllStandardOutput();
+        if (said.contains("shown")) wasShown_ = true;
+        if (said.contains("raised")) isRaiseAnswered_ = true;
     });
     QObject::connect(process_.get(), &QProcess::errorOccurred, process_.get(),
                      [this](QProcess::ProcessError error) {
@@ -75,9 +81,10 @@ void HelpLauncher::start() {
                     {QStringLiteral("--attached"), services_.address.toString()});
 }
 
-// A window that the person closed is done with. But one that never came up is a help that they
-// still wait for.
+// A window that the person closed is done with. But one that never came up, or was closed just when
+// they asked for it again, is a help that they still wait for.
 void HelpLauncher::ended() {
+    if (wasShown_ && !isRaiseAnswered_) return start();
     if (!wasShown_) openElsewhere(QStringLiteral("sonavault-help ended before it was shown."));
 }
 

@@ -52,6 +52,7 @@ class HelpLauncher {
     const HelpServices services_;
     std::unique_ptr<QProcess> process_;
     bool wasShown_ = false;
+    bool isRaiseAnswered_ = true;
     QPointer<QTextBrowser> offlinePage_;
 };
 

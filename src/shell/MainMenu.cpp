@@ -25,6 +25,8 @@ QAction* addItem(QMenu& menu, const char* title, const QKeySequence& key,
                  const std::function<void()>& action) {
     QAction* item = menu.addAction(QString::fromUtf8(title));
     item->setShortcut(key);
+    // Also while a window beside the main one, as that of the settings, is in front.
+    item->setShortcutContext(Qt::ApplicationShortcut);
     // The texts must not make an item move into another menu, as some desktops do for a "Quit".
     item->setMenuRole(QAction::NoRole);
     QObject::connect(item, &QAction::triggered, item, [action] { action(); });

@@ -3,6 +3,16 @@
 #include <QPainter>
 
 namespace sonavault {
+namespace {
+
+// A sentence of the system's, as the reason of a failure, may come in several lines.
+QString onOneLine(QString text) {
+    for (QChar& each : text)
+        if (each == u'\n' || each == u'\r') each = u' ';
+    return text;
+}
+
+}  // namespace
 
 ElidedTextView::ElidedTextView(const QFont& font, const QColor& colour, Qt::Alignment alignment,
                                QWidget* parent)
@@ -22,8 +32,7 @@ void ElidedTextView::showText(const QString& shown) {
 }
 
 QString ElidedTextView::visibleText() const {
-    // A sentence of the system's, as the reason of a failure, may come in several lines.
-    return fontMetrics().elidedText(text().simplified(), Qt::ElideRight, width());
+    return fontMetrics().elidedText(onOneLine(text()), Qt::ElideRight, width());
 }
 
 void ElidedTextView::paintEvent(QPaintEvent*) {

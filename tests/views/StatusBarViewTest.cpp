@@ -107,6 +107,12 @@ TEST_F(StatusBar, shows_a_text_of_several_lines_in_one) {
     EXPECT_EQ(bar.statusBarText(), "Aircheck failed:\nno space left");
 }
 
+TEST_F(StatusBar, keeps_the_blanks_of_a_hover_text) {
+    bar.showHint("14:00:00  Hour:  Top of hour");
+
+    EXPECT_EQ(text().visibleText(), "14:00:00  Hour:  Top of hour");
+}
+
 TEST_F(StatusBar, shows_a_hover_text_until_the_status_comes_back) {
     bar.setStatusBarText("Exporting…");
 
