@@ -3,10 +3,13 @@
 #include <cstdlib>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
+#include "hub/DecodedSize.h"
 #include "hub/Envelope.h"
 #include "hub/LineSplitter.h"
+#include "hub/RequestRules.h"
 
 namespace {
 
@@ -51,6 +54,24 @@ Lines expected(std::string_view bytes) {
     }
 }
 
+/// What the message would mean to those who had asked for it.
+void checkReply(const sonavault::SwitchboardMessage& reply) {
+    using Code = sonavault::SwitchboardError::Code;
+    const bool hasError = reply.payload["error"].isString();
+    const bool isRefusal = hasError && reply.from == sonavault::kHubName;
+    const auto query = sonavault::queryResult(reply);
+    require(static_cast<bool>(query) != isRefusal);
+    if (isRefusal)
+        require((query.error().code == Code::timeout) == (query.error().hubErrorCode == "timeout"));
+    else
+        require(query.value() == reply);
+    require(static_cast<bool>(sonavault::pingResult(reply)) != isRefusal);
+    const auto value = sonavault::stateGetResult(reply);
+    const auto* error = std::get_if<sonavault::SwitchboardError>(&value.outcome);
+    require((error != nullptr) == (hasError || !reply.payload["exists"].isBool()));
+    if (error) require((error->code == Code::hubError) == hasError);
+}
+
 /// What was understood can be said again, and means the same.
 void checkDecode(const std::string& line) {
     const auto envelope = Envelope::decode(line);
@@ -64,6 +85,7 @@ void checkDecode(const std::string& line) {
     const auto again = Envelope::decode(said.value());
     require(static_cast<bool>(again));
     require(again.value().encode().value() == said.value());
+    checkReply(sonavault::SwitchboardMessage::of(Envelope(envelope.value())));
 }
 
 }  // namespace
@@ -79,6 +101,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(split(bytes, splits) == lines);
     require(split(bytes, std::string_view("\0", 1)) == lines);
     require(split(bytes, {}) == lines);
-    for (const auto& line : lines) checkDecode(line);
+    for (const auto& line : lines) {
+        require(sonavault::isWorthDecoding(line, sonavault::decodedSize(line)));
+        checkDecode(line);
+    }
     return 0;
 }

@@ -1,5 +1,7 @@
 #include "hub/DecodedSize.h"
 
+#include "hub/Envelope.h"
+
 namespace sonavault {
 namespace {
 
@@ -10,17 +12,45 @@ constexpr std::size_t kPerByteOfText = 2;
 constexpr std::size_t kPerValue = 32;
 constexpr std::size_t kPerContainer = 192;
 
+/// What a line holds, one byte after the other.
+class Tally {
+  public:
+    void take(char c) {
+        if (inText_) return takeOfText(c);
+        if (c == ' ' || c == '\t' || c == '\r') return;
+        inText_ = c == '"';
+        if (c == ',' || c == ':') ++values_;
+        if (c == '[' || c == '{') ++containers_;
+        // An empty one is no more than a plain value.
+        if ((c == ']' && before_ == '[') || (c == '}' && before_ == '{')) --containers_;
+        before_ = c;
+    }
+
+    std::size_t bytes() const { return values_ * kPerValue + containers_ * kPerContainer; }
+
+  private:
+    void takeOfText(char c) {
+        inText_ = escaped_ || c != '"';
+        escaped_ = !escaped_ && c == '\\';
+    }
+
+    std::size_t values_ = 1;
+    std::size_t containers_ = 0;
+    char before_ = '\0';  // the last byte outside a text that was no blank
+    bool inText_ = false;
+    bool escaped_ = false;
+};
+
 }  // namespace
 
-// Marks that stand within a text count too: to tell them apart would take a parser.
 std::size_t decodedSize(std::string_view line) {
-    std::size_t values = 1;
-    std::size_t containers = 0;
-    for (const char c : line) {
-        values += static_cast<std::size_t>(c == ',') + static_cast<std::size_t>(c == ':');
-        containers += static_cast<std::size_t>(c == '[') + static_cast<std::size_t>(c == '{');
-    }
-    return line.size() * kPerByteOfText + values * kPerValue + containers * kPerContainer;
+    Tally tally;
+    for (const char c : line) tally.take(c);
+    return line.size() * kPerByteOfText + tally.bytes();
+}
+
+bool isWorthDecoding(std::string_view line, std::size_t decodedBytes) {
+    return line.size() < kMaxEnvelopeBytes || decodedBytes <= kMostBytesOfADecodedLine;
 }
 
 }  // namespace sonavault

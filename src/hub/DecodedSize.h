@@ -9,8 +9,12 @@ namespace sonavault {
 /// short line may hold a large tree. Units: bytes
 std::size_t decodedSize(std::string_view line);
 
-/// A line whose decoded form could take more than this is not decoded: what it means can't be worth
-/// the memory of a program that records. Units: bytes
+/// A longer line than any that we send ourselves is not decoded when its decoded form could take
+/// more than this: what it means can't be worth the memory of a program that records. Units: bytes
 constexpr std::size_t kMostBytesOfADecodedLine = 67'108'864;
+
+/// Whether a line that could take so much is decoded at all. What a well-behaved program may send
+/// always is. Units: bytes
+bool isWorthDecoding(std::string_view line, std::size_t decodedBytes);
 
 }  // namespace sonavault

@@ -31,9 +31,11 @@ void insertIfSet(QJsonObject& object, QLatin1String key, const std::optional<std
     if (value) object.insert(key, text(*value));
 }
 
+// Half a character (a lone surrogate) has no form in UTF-8: such a text can't be said again.
 std::optional<std::string> textOf(const QJsonValue& value) {
-    if (!value.isString()) return std::nullopt;
-    return value.toString().toStdString();
+    const QString text = value.toString();
+    if (!value.isString() || !text.isValidUtf16()) return std::nullopt;
+    return text.toStdString();
 }
 
 // JSON does not tell 7 from 7.0: both are whole.

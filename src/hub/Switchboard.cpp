@@ -62,9 +62,14 @@ void query(const std::string& to, const std::string& topic, const QJsonObject& p
     client().query(to, topic, payload, timeoutMs, std::move(reply));
 }
 
+void query(const std::string& to, const std::string& topic, const QJsonObject& payload,
+           std::function<void(QueryResult)> reply) {
+    client().query(to, topic, payload, kPublicDefaultQueryTimeoutMs, std::move(reply));
+}
+
 void query(const std::string& to, const std::string& topic,
            std::function<void(QueryResult)> reply) {
-    client().query(to, topic, {}, kPublicDefaultQueryTimeoutMs, std::move(reply));
+    query(to, topic, QJsonObject(), std::move(reply));
 }
 
 void ping(std::int64_t timeoutMs, std::function<void(PingResult)> completion) {

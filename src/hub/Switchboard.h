@@ -21,8 +21,9 @@ constexpr std::int64_t kPublicDefaultQueryTimeoutMs = kDefaultQueryTimeoutMs;
 /// The only way in to the process's hub client: functions over the one client of the process, with
 /// nothing of their own. What each does stands with SwitchboardClientImpl.
 ///
-/// Each returns at once; results come on the callback queue. The first use in the process is on the
-/// main thread. Texts are UTF-8.
+/// Each returns at once, connect() and disconnect() as soon as the network thread has come to the
+/// end of what it is at, which never waits itself; results come on the callback queue. The first
+/// use in the process is on the main thread. Texts are UTF-8.
 namespace Switchboard {
 
 /// To whom a direct message goes: one program or several, by name.
@@ -61,7 +62,9 @@ void stateGet(const std::string& key, std::function<void(StateGetResult)> handle
 void query(const std::string& to, const std::string& topic, const QJsonObject& payload,
            std::int64_t timeoutMs, std::function<void(QueryResult)> reply);
 
-/// With no payload and a limit of kPublicDefaultQueryTimeoutMs.
+/// With a limit of kPublicDefaultQueryTimeoutMs, and with no payload besides.
+void query(const std::string& to, const std::string& topic, const QJsonObject& payload,
+           std::function<void(QueryResult)> reply);
 void query(const std::string& to, const std::string& topic, std::function<void(QueryResult)> reply);
 
 void ping(std::int64_t timeoutMs, std::function<void(PingResult)> completion);

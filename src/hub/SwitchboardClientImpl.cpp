@@ -41,6 +41,9 @@ SwitchboardClientImpl::~SwitchboardClientImpl() {
 void SwitchboardClientImpl::letGo() {
     cancelReconnectTimer();
     forgetReceived();
+    outbox_.clear();
+    if (deliveryTimer_) deliveryTimer_->cancel();
+    deliveryTimer_.reset();
     for (const auto& request : pending_.takeAll())
         if (request.timer) request.timer->cancel();
     replaceConnection(nullptr);
@@ -175,8 +178,7 @@ void SwitchboardClientImpl::cancelReconnectTimer() {
 
 /// Whatever is left of the former connection, half a line included.
 void SwitchboardClientImpl::forgetReceived() {
-    if (receivingTimer_) receivingTimer_->cancel();
-    receivingTimer_.reset();
+    receivingPaused_ = false;
     readBuffer_.clear();
 }
 
@@ -193,7 +195,7 @@ void SwitchboardClientImpl::transition(SwitchboardState state) {
         observers = stateObservers_;
     }
     if (observers.empty()) return;
-    callbackQueue().post([observers = std::move(observers), state = std::move(state)] {
+    postCallback([observers = std::move(observers), state = std::move(state)] {
         for (const auto& observer : observers) (*observer)(state);
     });
 }

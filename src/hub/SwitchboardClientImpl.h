@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "hub/CallbackOutbox.h"
 #include "hub/Envelope.h"
 #include "hub/HubNetwork.h"
 #include "hub/LineSplitter.h"
@@ -18,7 +19,6 @@
 #include "hub/RequestRules.h"
 #include "hub/Subscriptions.h"
 #include "hub/SwitchboardState.h"
-#include "hub/Undelivered.h"
 #include "platform/Clock.h"
 #include "platform/Executor.h"
 #include "platform/SerialQueue.h"
@@ -127,10 +127,16 @@ class SwitchboardClientImpl {
     void dispatchReply(Envelope&& envelope, std::size_t decodedBytes);
     void dispatchPing(const Envelope& envelope);
     void dispatchNotify(Envelope&& envelope, std::size_t decodedBytes);
-    void waitForCallbacks();
+    void pauseReceiving();
+    void resumeReceiving();
     void forgetReceived();
     void resubscribeAll();
     void failOutstandingRequests(const std::string& reason);
+
+    // What callers hear of it, only on the network queue.
+    void postCallback(std::function<void()> callback);
+    void waitForCallbacks();
+    void deliverMore();
 
     // What goes out, on any thread.
     std::optional<Envelope> newEnvelope(std::string_view type) const;
@@ -153,14 +159,15 @@ class SwitchboardClientImpl {
 
     Subscriptions subscriptions_;
     PendingRequests pending_;
-    const Undelivered undelivered_;
 
     // Only on the network queue.
     LineSplitter readBuffer_;
+    bool receivingPaused_ = false;
+    CallbackOutbox outbox_;
+    std::shared_ptr<HubTimer> deliveryTimer_;  // while something waits in outbox_, or for it
     bool wasIntentionalDisconnect_ = false;
     int reconnectAttempt_ = 0;
     std::shared_ptr<HubTimer> reconnectTimer_;
-    std::shared_ptr<HubTimer> receivingTimer_;  // while receiving is paused
     std::unique_ptr<SerialQueue> ownCallbackQueue_;
 
     // Last, so that it ends first: what runs on its queue uses all of the above.

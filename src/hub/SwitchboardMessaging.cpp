@@ -8,7 +8,7 @@ namespace sonavault {
 namespace {
 
 /// How often it is looked whether callbacks have run.
-constexpr std::chrono::milliseconds kReceivingPause{10};
+constexpr std::chrono::milliseconds kDeliveryPause{10};
 
 QString text(const std::string& utf8) {
     return QString::fromStdString(utf8);
@@ -17,7 +17,7 @@ QString text(const std::string& utf8) {
 /// A message on its way to its callbacks.
 struct Delivery {
     SwitchboardMessage message;
-    std::shared_ptr<const Undelivered::Share> share;
+    std::shared_ptr<const CallbackOutbox::Load> load;
 };
 
 }  // namespace
@@ -127,18 +127,31 @@ void SwitchboardClientImpl::ask(const Envelope& envelope, PendingRequests::Reque
 
 void SwitchboardClientImpl::receive(std::string_view bytes) {
     readBuffer_.append(bytes);
-    if (!receivingTimer_) drainBuffer();
+    if (!receivingPaused_) drainBuffer();
 }
 
-// Stops between two lines once enough callbacks wait: the rest has its turn when they ran.
+// Stops between two lines when too much waits for its callbacks: the rest has its turn when they
+// ran.
 void SwitchboardClientImpl::drainBuffer() {
     while (const auto line = readBuffer_.next()) {
         const std::size_t size = decodedSize(*line);
-        if (size > kMostBytesOfADecodedLine) continue;
+        if (!isWorthDecoding(*line, size)) continue;
         if (auto envelope = Envelope::decode(*line))
             dispatchIncoming(std::move(envelope.value()), size);
-        if (undelivered_.isTooMuch()) return waitForCallbacks();
+        if (outbox_.isFull()) return pauseReceiving();
     }
+}
+
+void SwitchboardClientImpl::pauseReceiving() {
+    receivingPaused_ = true;
+    if (connection_) connection_->pauseReceiving(true);
+    waitForCallbacks();
+}
+
+void SwitchboardClientImpl::resumeReceiving() {
+    receivingPaused_ = false;
+    drainBuffer();
+    if (!receivingPaused_ && connection_) connection_->pauseReceiving(false);
 }
 
 // The order of the rules is part of the wire: the answer to the announce bears a `ref` too.
@@ -167,9 +180,8 @@ void SwitchboardClientImpl::dispatchReply(Envelope&& envelope, std::size_t decod
     if (request.timer) request.timer->cancel();
     if (!request.replied) return;
     const auto delivery = std::make_shared<const Delivery>(
-        Delivery{SwitchboardMessage::of(std::move(envelope)), undelivered_.add(1, decodedBytes)});
-    callbackQueue().post(
-        [replied = std::move(request.replied), delivery] { replied(delivery->message); });
+        Delivery{SwitchboardMessage::of(std::move(envelope)), outbox_.add(decodedBytes)});
+    postCallback([replied = std::move(request.replied), delivery] { replied(delivery->message); });
 }
 
 void SwitchboardClientImpl::dispatchPing(const Envelope& envelope) {
@@ -184,26 +196,33 @@ void SwitchboardClientImpl::dispatchNotify(Envelope&& envelope, std::size_t deco
     if (!envelope.topic) return;
     const auto handlers = subscriptions_.handlers(*envelope.topic);
     if (handlers.empty()) return;
-    auto share = undelivered_.add(handlers.size(), decodedBytes);
     const auto delivery = std::make_shared<const Delivery>(
-        Delivery{SwitchboardMessage::of(std::move(envelope)), std::move(share)});
-    Executor& queue = callbackQueue();
+        Delivery{SwitchboardMessage::of(std::move(envelope)), outbox_.add(decodedBytes)});
     for (const auto& handler : handlers)
-        queue.post([handler, delivery] { (*handler)(delivery->message); });
+        postCallback([handler, delivery] { (*handler)(delivery->message); });
+}
+
+// Whatever the hub or the end of its connection makes us tell goes this one way, so that nothing
+// overtakes what came before it.
+void SwitchboardClientImpl::postCallback(std::function<void()> callback) {
+    outbox_.post(callbackQueue(), std::move(callback));
+    waitForCallbacks();
 }
 
 // A hub that speaks faster than its listeners listen has to wait, or it would fill the memory and
 // take their whole time. Asked again by the clock, for the callbacks may end on a thread that
 // outlives us.
 void SwitchboardClientImpl::waitForCallbacks() {
-    if (connection_) connection_->pauseReceiving(true);
-    receivingTimer_ = network_->makeTimer(kReceivingPause, [this] {
-        receivingTimer_.reset();
-        if (undelivered_.isTooMuch()) return waitForCallbacks();
-        drainBuffer();
-        if (!receivingTimer_ && connection_) connection_->pauseReceiving(false);
-    });
-    receivingTimer_->resume();
+    if (deliveryTimer_ || (outbox_.isEmpty() && !receivingPaused_)) return;
+    deliveryTimer_ = network_->makeTimer(kDeliveryPause, [this] { deliverMore(); });
+    deliveryTimer_->resume();
+}
+
+void SwitchboardClientImpl::deliverMore() {
+    deliveryTimer_.reset();
+    outbox_.handOver();
+    if (receivingPaused_ && !outbox_.isFull()) resumeReceiving();
+    waitForCallbacks();
 }
 
 void SwitchboardClientImpl::resubscribeAll() {
@@ -221,9 +240,8 @@ void SwitchboardClientImpl::failOutstandingRequests(const std::string& reason) {
         if (request.timer) request.timer->cancel();
     if (requests.empty()) return;
     const auto reply = std::make_shared<const SwitchboardMessage>(connectionLostReply(reason));
-    Executor& queue = callbackQueue();
     for (auto& request : requests)
-        queue.post([replied = std::move(request.replied), reply] { replied(*reply); });
+        postCallback([replied = std::move(request.replied), reply] { replied(*reply); });
 }
 
 /// Absent before the first connect().

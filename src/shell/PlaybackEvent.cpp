@@ -3,9 +3,11 @@
 #include <QJsonDocument>
 #include <QStringList>
 #include <array>
+#include <utility>
 
 #include "platform/Format.h"
 #include "platform/LocalTime.h"
+#include "shell/ForeignText.h"
 
 namespace sonavault {
 
@@ -67,14 +69,15 @@ std::optional<PlaybackEvent> PlaybackEvent::from(const QJsonObject& payload) {
     if (duration) event.markerLabel += kSeparator + *duration;
     if (const auto resumeAt = textOf(payload, "resumeAt"))
         event.markerLabel += kSeparator + ("resumeAt=" + *resumeAt);
+    event.markerLabel = shortened(std::move(event.markerLabel));
     return event;
 }
 
 std::string missingStateLine(const QJsonObject& payload) {
     // Qt keeps an object's keys sorted.
     return "Sonavault Switchboard: cadenzo.playback-state-changed missing state field; keys=[" +
-           payload.keys().join(QStringLiteral(", ")).toStdString() +
-           "]; payload=" + QJsonDocument(payload).toJson(QJsonDocument::Compact).toStdString();
+           printable(payload.keys().join(QStringLiteral(", ")).toStdString()) + "]; payload=" +
+           printable(QJsonDocument(payload).toJson(QJsonDocument::Compact).toStdString());
 }
 
 std::optional<std::string> hmsClockTimeFromIso(const std::string& text) {

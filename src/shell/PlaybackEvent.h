@@ -12,13 +12,13 @@ struct PlaybackEvent {
     std::string cause;              ///< free text, may be empty
     std::optional<std::string> at;  ///< when it happened, ISO 8601, as the automation gave it
     std::string markerType;         ///< as it goes into the day's log
-    std::string markerLabel;
+    std::string markerLabel;        ///< of at most kMostBytesOfForeignText
 
     /// Nothing when the payload names no state.
     static std::optional<PlaybackEvent> from(const QJsonObject& payload);
 };
 
-/// The line about a payload that names no state.
+/// The line about a payload that names no state, fit to be printed.
 std::string missingStateLine(const QJsonObject& payload);
 
 /// The local wall clock "HH:MM:SS" of an ISO 8601 time, with or without fractional seconds, in

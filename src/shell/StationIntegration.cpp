@@ -1,9 +1,10 @@
 #include "shell/StationIntegration.h"
 
-#include <algorithm>
+#include <cmath>
 
 #include "platform/LocalTime.h"
 #include "recorder/SVQualityLevel.h"
+#include "shell/ForeignText.h"
 #include "store/RecordingModel.h"
 #include "store/StationFolder.h"
 #include "store/Version.h"
@@ -12,12 +13,8 @@ namespace sonavault {
 
 namespace {
 
-/// What others wrote must not pass for lines of our own in the log.
-std::string onOneLine(std::string text) {
-    std::replace_if(
-        text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
-    return text;
-}
+/// By how much a beat may be late and still leave the next one in its place. Units: seconds
+constexpr double kMostLateBeatSec = 1;
 
 QString qString(const std::string& text) {
     return QString::fromStdString(text);
@@ -39,7 +36,7 @@ void StationIntegration::startSwitchboard() {
     if (switchboardConnectStarted_) return;
     switchboardConnectStarted_ = true;
     hub_.join(kSwitchboardAppName, lifetime_.guard([this](const std::string& state) {
-        log_.line("Sonavault Switchboard: state = " + onOneLine(state));
+        log_.line("Sonavault Switchboard: state = " + printable(state));
     }));
     hub_.subscribe(kSwitchboardTopicCadenzoPlaybackState,
                    lifetime_.guard([this](const QJsonObject& payload) {
@@ -49,11 +46,18 @@ void StationIntegration::startSwitchboard() {
 }
 
 void StationIntegration::beat() {
-    using std::chrono::milliseconds;
-    switchboardHeartbeatTimer_->start(
-        milliseconds(static_cast<int>(kSwitchboardHeartbeatIntervalSec * 1000)),
-        [this] { beat(); });
+    switchboardHeartbeatTimer_->start(untilNextBeat(), [this] { beat(); });
     publishSwitchboardHeartbeat();
+}
+
+// A busy main thread makes a beat late, but not those after it. What looks early or very late is a
+// clock that was set: the rhythm begins anew.
+std::chrono::milliseconds StationIntegration::untilNextBeat() {
+    const WallTime now = clock_.now();
+    const double late = secondsBetween(nextBeat_, now);
+    const bool inRhythm = late >= 0 && late < kMostLateBeatSec;
+    nextBeat_ = after(inRhythm ? nextBeat_ : now, kSwitchboardHeartbeatIntervalSec);
+    return std::chrono::milliseconds(std::llround(secondsBetween(now, nextBeat_) * 1000));
 }
 
 std::string StationIntegration::isoNowString() const {
@@ -133,12 +137,13 @@ void StationIntegration::publishAircheckSaved(const AircheckSaved& aircheck) {
 void StationIntegration::handleCadenzoPlaybackStateChanged(const QJsonObject& payload) {
     const auto event = PlaybackEvent::from(payload);
     if (!event) {
-        log_.line(onOneLine(missingStateLine(payload)));
+        log_.line(missingStateLine(payload));
         return;
     }
     const std::string at = event->at.value_or(isoNowString());
-    log_.line(onOneLine("Sonavault Switchboard: cadenzo.playback-state-changed state=" +
-                        event->state + " cause=" + event->cause + " at=" + at));
+    log_.line(
+        "Sonavault Switchboard: cadenzo.playback-state-changed state=" + printable(event->state) +
+        " cause=" + printable(event->cause) + " at=" + printable(at));
     SVRecorder* recorder = facts_.recorder();
     if (!recorder || !facts_.isRecording()) return;
     recorder->appendSyntheticMarker(clockTimeOf(at), event->markerType, event->markerLabel);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <filesystem>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -73,6 +73,7 @@ class StationIntegration {
 
   private:
     void beat();
+    std::chrono::milliseconds untilNextBeat();
     std::string isoNowString() const;
     std::string today() const;
     void publishRecordingStateChanged(const RecordingTransition& transition);
@@ -85,6 +86,7 @@ class StationIntegration {
     const Facts facts_;
     RecordingTransitions transitions_;
     bool switchboardConnectStarted_ = false;
+    WallTime nextBeat_;                        // as planned
     double lastSwitchboardCurrentRecPub_ = 0;  // seconds since 1970
     std::unique_ptr<MainTimer> switchboardHeartbeatTimer_;
     Lifetime lifetime_;

@@ -112,6 +112,16 @@ TEST(Envelope, leaves_texts_of_a_wrong_type_absent) {
     EXPECT_FALSE(envelope.ref);
 }
 
+TEST(Envelope, takes_half_a_character_for_no_text) {
+    const auto envelope =
+        decoded(R"({"type":"t","from":"f","id":"\ud800","topic":"x\udc00","ref":"\ud83c\udf99"})");
+    EXPECT_FALSE(envelope.id);
+    EXPECT_FALSE(envelope.topic);
+    EXPECT_EQ(envelope.ref, "\U0001F399") << "both halves of one are a text";
+    EXPECT_EQ(refusal(R"({"type":"t","from":"\ud800"})").message,
+              "envelope missing required type/from");
+}
+
 TEST(Envelope, keeps_the_recipient_as_it_stands) {
     EXPECT_EQ(decoded(R"({"type":"t","from":"f","to":"Cadenzo"})").to, QJsonValue("Cadenzo"));
     EXPECT_EQ(decoded(R"({"type":"t","from":"f","to":["A","B"]})").to,

@@ -370,6 +370,38 @@ TEST_F(HubMessagingTest, fails_a_query_with_the_hubs_word) {
                                 QJsonObject{{"error", "timeout"}}}));
 }
 
+TEST_F(HubMessagingTest, takes_a_recipients_error_for_its_answer) {
+    join();
+    query();
+    replyTo(lastId(), "Cadenzo", R"({"error":"timeout"})");
+    callbacks_.runAll();
+    ASSERT_EQ(results_.size(), 1U);
+    ASSERT_TRUE(results_[0]);
+    EXPECT_EQ(results_[0].value().from, "Cadenzo");
+    EXPECT_EQ(results_[0].value().payload, (QJsonObject{{"error", "timeout"}}));
+}
+
+TEST_F(HubMessagingTest, ends_by_its_timer_a_query_whose_answer_was_too_long_to_be_heard) {
+    join();
+    query(500);
+    const auto id = lastId();
+    hub().deliver(R"({"type":"reply","from":"Cadenzo","ref":")" + id + R"(","payload":{"x":")");
+    for (std::size_t said = 0; said <= LineSplitter::kMostBytesOfALine; said += 65'536)
+        hub().deliver(std::string(65'536, 'x'));
+    hub().deliver("\"}}\n");
+    callbacks_.runAll();
+    EXPECT_THAT(results_, IsEmpty());
+    world_->advance(milliseconds(1000));
+    callbacks_.runAll();
+    ASSERT_EQ(results_.size(), 1U);
+    EXPECT_EQ(results_[0].error().code, Code::timeout);
+    EXPECT_FALSE(results_[0].error().hubErrorCode);
+    EXPECT_TRUE(client_->currentState().is<State::Connected>());
+    takeSent();
+    hubSays(R"({"type":"ping","from":"A","id":"next"})");
+    EXPECT_EQ(sentOne()["ref"], "next");
+}
+
 TEST_F(HubMessagingTest, pings_with_exactly_the_given_limit) {
     join();
     takeSent();
@@ -412,6 +444,13 @@ TEST_F(HubMessagingTest, does_not_answer_a_ping_without_an_id) {
     takeSent();
     hubSays(R"({"type":"ping","from":"Cadenzo"})");
     hubSays(R"({"type":"ping","from":"Cadenzo","id":12})");
+    EXPECT_THAT(takeSent(), IsEmpty());
+}
+
+TEST_F(HubMessagingTest, does_not_answer_a_ping_whose_id_can_not_be_said_again) {
+    join();
+    takeSent();
+    hubSays(R"({"type":"ping","from":"Cadenzo","id":"a\ud800"})");
     EXPECT_THAT(takeSent(), IsEmpty());
 }
 

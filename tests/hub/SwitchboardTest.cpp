@@ -81,6 +81,8 @@ TEST(Switchboard, is_the_way_in_to_the_client_of_the_process) {
     Switchboard::query("Nobody", "t", tellRefusal);
     EXPECT_TRUE(heard.eventuallyHas("refused no-such-app"));
     EXPECT_TRUE(hub.heard(R"("timeout_ms":5000)"));
+    Switchboard::query("Nobody", "t", {{"b", 2}}, tellRefusal);
+    EXPECT_TRUE(eventually([&] { return hub.heard(R"("payload":{"b":2},"timeout_ms":5000)"); }));
     Switchboard::query("Nobody", "t", {{"a", 1}}, 1234, tellRefusal);
     EXPECT_TRUE(eventually([&] { return hub.heard(R"("timeout_ms":1234)"); }));
     Switchboard::ping([](const PingResult& result) { heard.note(result ? "pong" : "no pong"); });

@@ -141,7 +141,10 @@ TEST_F(StationIntegrationTest, tells_the_others_when_recording_begins_and_ends) 
     controller().toggleRecordingFromMenu();
     tickOnce();
     ASSERT_EQ(hub_.notified.size(), 2U);
-    EXPECT_EQ(hub_.notified[1].what["state"], "stopped");
+    EXPECT_EQ(hub_.notified[1].what, (QJsonObject{{"state", "stopped"},
+                                                  {"date", "2026-03-02"},
+                                                  {"audioURL", audioPath()},
+                                                  {"qualityLevel", 2}}));
 }
 
 TEST_F(StationIntegrationTest, tells_nothing_of_a_recording_that_runs_at_the_first_tick) {
@@ -187,7 +190,7 @@ TEST_F(StationIntegrationTest, tells_of_midnight_and_names_the_day_of_what_ended
     EXPECT_TRUE(hub_.notified[2].what["audioURL"].toString().endsWith("Sonavault_2026-03-03.mp3"));
 }
 
-TEST_F(StationIntegrationTest, lets_nobody_forge_lines_of_the_log) {
+TEST_F(StationIntegrationTest, lets_nobody_forge_lines_of_the_printed_log) {
     launch();
     record();
     automationSays({{"state", "paused"}, {"cause", "a, \"b\"\nSonavault: all is well"}});
@@ -196,6 +199,20 @@ TEST_F(StationIntegrationTest, lets_nobody_forge_lines_of_the_log) {
         log().find("cadenzo_pause,\"Cadenzo paused — a, \"\"b\"\"\nSonavault: all is well\",0"),
         std::string::npos)
         << log();
+}
+
+TEST_F(StationIntegrationTest, puts_no_more_than_the_beginning_of_a_long_text_into_the_days_log) {
+    launch();
+    record();
+    automationSays({{"state", "paused"}, {"cause", QString::fromUtf8("ü").repeated(100'000)}});
+    const std::string head = "timestamp,event,label,duration\n14:05:09,cadenzo_pause,";
+    const std::string written = log();
+    ASSERT_EQ(written.substr(0, head.size()), head);
+    const std::string label = written.substr(head.size(), written.rfind(',') - head.size());
+    EXPECT_LE(label.size(), 4096U);
+    EXPECT_GT(label.size(), 4090U);
+    EXPECT_EQ(QString::fromStdString(label).count(QChar(QChar::ReplacementCharacter)), 0);
+    EXPECT_EQ(written.substr(written.rfind(',')), ",0\n");
 }
 
 TEST_F(StationIntegrationTest, announces_an_aircheck) {
@@ -253,7 +270,10 @@ TEST_F(StationIntegrationTest, places_an_event_without_a_time_where_it_arrived) 
 
 TEST_F(StationIntegrationTest, keeps_nothing_of_an_event_while_nothing_is_recorded) {
     launch();
-    automationSays({{"state", "paused"}});
+    automationSays({{"state", "paused"}, {"cause", "operator"}});
+    EXPECT_TRUE(
+        log_.has("Sonavault Switchboard: cadenzo.playback-state-changed state=paused "
+                 "cause=operator at=2026-03-02T13:05:09.123Z"));
     EXPECT_FALSE(std::filesystem::exists(dayFile().replace_extension("csv")));
     record();
     EXPECT_EQ(log(), "timestamp,event,label,duration\n");
