@@ -90,6 +90,17 @@ bool Desk::eventuallySays(const std::string& part) {
     return program->waitForLine(part, kPatience).has_value();
 }
 
+bool Desk::eventuallyIsCalm(const Box& part) const {
+    constexpr int kSame = 10;
+    ScreenPicture before = desktop.look();
+    int same = 0;
+    return desktop.awaitSight([&](const ScreenPicture& screen) {
+        same = screen.differences(part, before) == 0 ? same + 1 : 0;
+        before = screen;
+        return same == kSame;
+    });
+}
+
 bool Desk::eventuallyShowsPlayheadAt(double second) const {
     const Point place = places().onPlayhead(second);
     return desktop.awaitSight([&](const ScreenPicture& screen) {

@@ -53,6 +53,9 @@ class Desk {
     void confirm() const;
     void dismiss() const;
 
+    /// Nothing changes any more in that part of the screen.
+    bool eventuallyIsCalm(const Box& part) const;
+
     /// The playhead's line is seen at that second of the day, to a pixel.
     bool eventuallyShowsPlayheadAt(double second) const;
 

@@ -51,6 +51,7 @@ void PrivateDesktop::use(const std::vector<std::string>& command) const {
 void PrivateDesktop::awaitFront(const std::string& title) const {
     const auto patience = std::chrono::steady_clock::now() + kPatience;
     std::string front;
+    // Before the window manager is up there is none to ask for.
     while (std::chrono::steady_clock::now() < patience) {
         front = ask({"xdotool", "getactivewindow", "getwindowname"}).value_or("");
         while (!front.empty() && front.back() == '\n') front.pop_back();
@@ -69,6 +70,11 @@ void PrivateDesktop::press(const std::vector<std::string>& chords) const {
 void PrivateDesktop::fillIn(const std::string& text) const {
     press({"ctrl+a"});
     use({"xdotool", "type", "--delay", "15", text});
+}
+
+void PrivateDesktop::typeOn(const std::string& text) const {
+    use({"xdotool", "type", "--delay", "30", text});
+    press({"Return"});
 }
 
 void PrivateDesktop::useMouse(const std::vector<std::string>& gestures) const {
@@ -125,16 +131,26 @@ int PrivateDesktop::windowCount(const std::string& title) const {
 // Only the pointer tells where the inside of a window is: asked for its place, it tells that of its
 // frame.
 Box PrivateDesktop::windowBox(const std::string& title) const {
-    const std::string told =
-        ask({"xdotool", "search", "--onlyvisible", "--name", "^" + title + "$", "getwindowgeometry",
-             "--shell", "mousemove", "--window", "%1", "0", "0", "getmouselocation", "--shell"})
-            .value_or("");
+    std::string told;
+    // A window that opens or is resized may not be found for a moment.
+    const auto patience = std::chrono::steady_clock::now() + kPatience;
+    while (told.find("\nWIDTH=") == std::string::npos || told.find("\nSCREEN=") == told.npos) {
+        if (std::chrono::steady_clock::now() > patience) throw std::runtime_error("no " + title);
+        told = ask({"xdotool", "search", "--onlyvisible", "--name", "^" + title + "$",
+                    "getwindowgeometry", "--shell", "mousemove", "--window", "%1", "0", "0",
+                    "getmouselocation", "--shell"})
+                   .value_or("");
+    }
     // The place is told twice, first by the frame.
     const auto value = [&](const std::string& name) {
         return std::stod(told.substr(told.rfind("\n" + name + "=") + name.size() + 2));
     };
-    if (told.find("\nWIDTH=") == std::string::npos) throw std::runtime_error("no " + title);
     return {value("X"), value("Y"), value("WIDTH"), value("HEIGHT")};
+}
+
+void PrivateDesktop::activate(const std::string& title) const {
+    use({"xdotool", "search", "--onlyvisible", "--name", "^" + title + "$", "windowactivate"});
+    awaitFront(title);
 }
 
 void PrivateDesktop::resizeWindow(const std::string& title, Size inside) const {

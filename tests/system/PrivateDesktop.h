@@ -35,6 +35,9 @@ class PrivateDesktop {
     /// Puts `text` in place of what the field with the focus holds.
     void fillIn(const std::string& text) const;
 
+    /// Chooses from the list that is open the item that begins so.
+    void typeOn(const std::string& text) const;
+
     // Mouse. Places are of the screen.
 
     void moveTo(Point place) const;
@@ -59,6 +62,10 @@ class PrivateDesktop {
     /// What is inside the window's frame. The pointer ends up in its upper left corner.
     Box windowBox(const std::string& title) const;
 
+    /// Brings the window to the front, as a click on its name in a taskbar does.
+    void activate(const std::string& title) const;
+
+    /// `inside`: what its frame will hold, as far as the window lets itself be resized.
     void resizeWindow(const std::string& title, Size inside) const;
 
     // The screen
