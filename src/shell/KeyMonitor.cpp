@@ -3,6 +3,7 @@
 #include <QAbstractSpinBox>
 #include <QApplication>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QTextEdit>
 
@@ -87,6 +88,8 @@ std::optional<KeyCommand> KeyMonitor::commandOf(QObject* receiver, const QKeyEve
     // A key goes to the system's window first, and from there to a widget.
     const auto* widget = qobject_cast<const QWidget*>(receiver);
     if (!widget) return std::nullopt;
+    // An open menu hands the arrows on to the menu bar, which stands in the window.
+    if (qobject_cast<const QMenuBar*>(widget)) return std::nullopt;
     return keyCommand(keyEventOf(event), {.editsText = editsText(),
                                           .activeTab = root_.activeTab(),
                                           .inMainWindow = widget->window() == root_.window()});

@@ -1,5 +1,8 @@
 #include "system/PrivateDesktop.h"
 
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
 #include <stdexcept>
 #include <thread>
 
@@ -10,6 +13,18 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto kPatience = 20s;
+
+using Gestures = std::vector<std::string>;
+
+Gestures operator+(Gestures first, const Gestures& then) {
+    first.insert(first.end(), then.begin(), then.end());
+    return first;
+}
+
+Gestures movedTo(Point place) {
+    return {"mousemove", std::to_string(std::lround(std::floor(place.x))),
+            std::to_string(std::lround(std::floor(place.y)))};
+}
 
 }  // namespace
 
@@ -36,6 +51,7 @@ void PrivateDesktop::use(const std::vector<std::string>& command) const {
 void PrivateDesktop::awaitFront(const std::string& title) const {
     const auto patience = std::chrono::steady_clock::now() + kPatience;
     std::string front;
+    // Before the window manager is up there is none to ask for.
     while (std::chrono::steady_clock::now() < patience) {
         front = ask({"xdotool", "getactivewindow", "getwindowname"}).value_or("");
         while (!front.empty() && front.back() == '\n') front.pop_back();
@@ -56,14 +72,108 @@ void PrivateDesktop::fillIn(const std::string& text) const {
     use({"xdotool", "type", "--delay", "15", text});
 }
 
-bool PrivateDesktop::hasWindow(const std::string& title) const {
-    return ask({"xdotool", "search", "--onlyvisible", "--name", "^" + title + "$"}).has_value();
+void PrivateDesktop::typeOn(const std::string& text) const {
+    use({"xdotool", "type", "--delay", "30", text});
+    press({"Return"});
 }
 
-void PrivateDesktop::takePicture(const std::filesystem::path& file) const {
-    std::filesystem::create_directories(file.parent_path());
+void PrivateDesktop::useMouse(const std::vector<std::string>& gestures) const {
+    std::vector<std::string> command{"xdotool"};
+    command.insert(command.end(), gestures.begin(), gestures.end());
+    use(command);
+}
+
+void PrivateDesktop::moveTo(Point place) const {
+    useMouse(movedTo(place));
+}
+
+void PrivateDesktop::click(Point place) const {
+    useMouse(movedTo(place) + Gestures{"click", "1"});
+}
+
+void PrivateDesktop::rightClick(Point place) const {
+    useMouse(movedTo(place) + Gestures{"click", "3"});
+}
+
+void PrivateDesktop::drag(Point from, Point to) const {
+    constexpr int kSteps = 8;
+    Gestures gestures = movedTo(from) + Gestures{"mousedown", "1"};
+    for (int i = 1; i <= kSteps; ++i) {
+        const double part = static_cast<double>(i) / kSteps;
+        gestures = gestures +
+                   movedTo({from.x + part * (to.x - from.x), from.y + part * (to.y - from.y)}) +
+                   Gestures{"sleep", "0.02"};
+    }
+    useMouse(gestures + Gestures{"mouseup", "1"});
+}
+
+void PrivateDesktop::hold(Point place, std::chrono::milliseconds length) const {
+    const std::string seconds = std::to_string(std::chrono::duration<double>(length).count());
+    useMouse(movedTo(place) + Gestures{"mousedown", "1", "sleep", seconds, "mouseup", "1"});
+}
+
+void PrivateDesktop::turnWheel(Point place, int notches) const {
+    const std::string button = notches > 0 ? "4" : "5";
+    useMouse(movedTo(place) + Gestures{"click", "--delay", "30", "--repeat",
+                                       std::to_string(std::abs(notches)), button});
+}
+
+bool PrivateDesktop::hasWindow(const std::string& title) const {
+    return windowCount(title) > 0;
+}
+
+int PrivateDesktop::windowCount(const std::string& title) const {
+    const auto found =
+        ask({"xdotool", "search", "--onlyvisible", "--name", "^" + title + "$"}).value_or("");
+    return static_cast<int>(std::count(found.begin(), found.end(), '\n'));
+}
+
+// Only the pointer tells where the inside of a window is: asked for its place, it tells that of its
+// frame.
+Box PrivateDesktop::windowBox(const std::string& title) const {
+    std::string told;
+    // A window that opens or is resized may not be found for a moment.
+    const auto patience = std::chrono::steady_clock::now() + kPatience;
+    while (told.find("\nWIDTH=") == std::string::npos || told.find("\nSCREEN=") == told.npos) {
+        if (std::chrono::steady_clock::now() > patience) throw std::runtime_error("no " + title);
+        told = ask({"xdotool", "search", "--onlyvisible", "--name", "^" + title + "$",
+                    "getwindowgeometry", "--shell", "mousemove", "--window", "%1", "0", "0",
+                    "getmouselocation", "--shell"})
+                   .value_or("");
+    }
+    // The place is told twice, first by the frame.
+    const auto value = [&](const std::string& name) {
+        return std::stod(told.substr(told.rfind("\n" + name + "=") + name.size() + 2));
+    };
+    return {value("X"), value("Y"), value("WIDTH"), value("HEIGHT")};
+}
+
+void PrivateDesktop::activate(const std::string& title) const {
+    use({"xdotool", "search", "--onlyvisible", "--name", "^" + title + "$", "windowactivate"});
+    awaitFront(title);
+}
+
+void PrivateDesktop::resizeWindow(const std::string& title, Size inside) const {
+    const auto points = [](double value) { return std::to_string(std::lround(value)); };
+    use({"xdotool", "search", "--onlyvisible", "--name", "^" + title + "$", "windowsize",
+         points(inside.width), points(inside.height)});
+}
+
+bool PrivateDesktop::awaitSight(const std::function<bool(const ScreenPicture&)>& isSo) const {
+    const auto patience = std::chrono::steady_clock::now() + kPatience;
+    while (!isSo(look())) {
+        if (std::chrono::steady_clock::now() > patience) return false;
+        std::this_thread::sleep_for(50ms);
+    }
+    return true;
+}
+
+void PrivateDesktop::takePicture(const std::string& name) const {
+    const std::filesystem::path folder = SONAVAULT_PICTURES;
+    std::filesystem::create_directories(folder);
     use({"ffmpeg", "-v", "error", "-y", "-f", "x11grab", "-video_size", "1680x1050", "-i",
-         display_.environment().at("DISPLAY"), "-frames:v", "1", file.string()});
+         display_.environment().at("DISPLAY"), "-frames:v", "1",
+         (folder / (name + ".png")).string()});
 }
 
 }  // namespace sonavault::testing

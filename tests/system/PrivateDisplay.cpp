@@ -10,7 +10,8 @@ PrivateDisplay::PrivateDisplay()
     // The server chooses a number that is free and writes it once clients can connect.
     : server_(std::make_unique<ChildProcess>(
           std::vector<std::string>{"Xvfb", "-displayfd", "1", "-screen", "0", "1680x1050x24",
-                                   "-nolisten", "tcp", "-noreset"},
+                                   "-nolisten", "tcp", "-noreset", "-fbdir",
+                                   memory_.path().string()},
           std::map<std::string, std::string>{})) {
     const auto number = server_->waitForLine("", 20s);
     if (!number) throw std::runtime_error("the X server did not start");

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "support/TempFolder.h"
 #include "system/ChildProcess.h"
 
 namespace sonavault::testing {
@@ -19,11 +21,15 @@ class PrivateDisplay {
     /// What a program needs to open its window here.
     std::map<std::string, std::string> environment() const;
 
+    /// The file that holds what the screen shows, kept up by the server.
+    std::filesystem::path frameBuffer() const { return memory_ / "Xvfb_screen0"; }
+
     /// Presses a chord, as "ctrl+r", in the visible window whose title contains `title`, waiting
     /// for the window first.
     void press(const std::string& chord, const std::string& title) const;
 
   private:
+    TempFolder memory_;
     std::unique_ptr<ChildProcess> server_;
     std::string name_;
 };
