@@ -172,24 +172,33 @@ TEST(LifeChecker, finds_a_log_without_its_header) {
     EXPECT_THAT(complaintsAboutLog("", {}), SizeIs(1));
 }
 
-TEST(LifeChecker, finds_a_torn_frame_and_bytes_that_are_no_frame) {
-    EXPECT_THAT(complaintsAboutStream(SyntheticMp3().frames(50).bytes()), IsEmpty());
+TEST(LifeChecker, finds_a_torn_frame_where_nothing_was_killed) {
+    EXPECT_THAT(complaintsAboutStream(SyntheticMp3().frames(50).bytes(), 0), IsEmpty());
     for (int bytes = 1; bytes < 108; ++bytes) {
-        EXPECT_THAT(complaintsAboutStream(SyntheticMp3().frames(9).tornFrame(bytes).bytes()),
-                    SizeIs(1));
-        EXPECT_THAT(
-            complaintsAboutStream(SyntheticMp3().frames(9).tornFrame(bytes).frames(9).bytes()),
-            SizeIs(1));
+        const auto atTheEnd = SyntheticMp3().frames(9).tornFrame(bytes).bytes();
+        EXPECT_THAT(complaintsAboutStream(atTheEnd, 0), SizeIs(1));
+        EXPECT_THAT(complaintsAboutStream(atTheEnd, 1), IsEmpty());
+        const auto within = SyntheticMp3().frames(9).tornFrame(bytes).frames(9).bytes();
+        EXPECT_THAT(complaintsAboutStream(within, 0), SizeIs(1));
+        EXPECT_THAT(complaintsAboutStream(within, 1), IsEmpty());
+        const auto again = SyntheticMp3().raw(within).tornFrame(bytes).frames(9).bytes();
+        EXPECT_THAT(complaintsAboutStream(again, 1), SizeIs(1));
+        EXPECT_THAT(complaintsAboutStream(again, 2), IsEmpty());
     }
-    EXPECT_THAT(complaintsAboutStream(SyntheticMp3().frames(9).junk(5).frames(9).bytes()),
+}
+
+TEST(LifeChecker, finds_bytes_that_are_no_frame) {
+    EXPECT_THAT(complaintsAboutStream(SyntheticMp3().frames(9).junk(5).frames(9).bytes(), 0),
                 SizeIs(1));
-    EXPECT_THAT(complaintsAboutStream(""), SizeIs(1));
+    EXPECT_THAT(complaintsAboutStream(SyntheticMp3().frames(9).junk(1000).frames(9).bytes(), 9),
+                SizeIs(1));
+    EXPECT_THAT(complaintsAboutStream("", 9), SizeIs(1));
 }
 
 TEST(LifeChecker, finds_a_frame_of_another_kind) {
     Mp3Shape other;
     other.sampleRate = 22050;
-    EXPECT_THAT(complaintsAboutStream(SyntheticMp3().frames(9).frames(9, other).bytes()),
+    EXPECT_THAT(complaintsAboutStream(SyntheticMp3().frames(9).frames(9, other).bytes(), 9),
                 SizeIs(1));
 }
 

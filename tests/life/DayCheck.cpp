@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <optional>
 #include <span>
 
 #include "automation/ClockChords.h"
@@ -127,6 +128,31 @@ void checkOutage(const AirEvidence& evidence, const AirStretch& before, const Ai
                              ", where there was no air for " + milliseconds(after.silentBefore));
 }
 
+bool isFrameOf(const Mp3Header& first, std::span<const std::uint8_t> whole, std::size_t at) {
+    const auto header = parseMp3Header(whole.subspan(std::min(at, whole.size())));
+    return header && header->sampleRate == first.sampleRate &&
+           header->bitrateKbps == first.bitrateKbps &&
+           at + static_cast<std::size_t>(header->frameBytes) <= whole.size();
+}
+
+/// Where frames go on behind the one at `last`, which was torn or followed by a rest of another:
+/// the file's end when it is the last of all. Nothing when there is more than that in between.
+std::optional<std::size_t> nextRun(const Mp3Header& first, std::span<const std::uint8_t> whole,
+                                   std::size_t last) {
+    const auto frame = static_cast<std::size_t>(first.frameBytes);
+    for (std::size_t at = last + 1; at <= last + 3 * frame && at < whole.size(); ++at) {
+        std::size_t end = at;
+        int frames = 0;
+        while (frames < 3 && isFrameOf(first, whole, end)) {
+            end += static_cast<std::size_t>(parseMp3Header(whole.subspan(end))->frameBytes);
+            ++frames;
+        }
+        if (frames == 3 || (frames > 0 && end == whole.size())) return at;
+    }
+    if (whole.size() - last <= 2 * frame) return whole.size();
+    return std::nullopt;
+}
+
 bool isRow(const std::string& row, const OwedRow& owed) {
     return owed.isWhole ? row == owed.text : row.find(owed.text) != std::string::npos;
 }
@@ -204,22 +230,25 @@ std::vector<std::string> complaintsAboutLog(const std::string& log,
     return complaints;
 }
 
-std::vector<std::string> complaintsAboutStream(const std::string& bytes) {
+std::vector<std::string> complaintsAboutStream(const std::string& bytes, int mostSeams) {
     const std::span whole(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+    const auto first = parseMp3Header(whole);
+    if (!first) return {"no frame at the beginning"};
+    int seams = 0;
+    std::size_t last = 0;
     std::size_t at = 0;
-    int sampleRate = 0;
     while (at < whole.size()) {
-        const auto header = parseMp3Header(whole.subspan(at));
-        const std::string where =
-            " at byte " + std::to_string(at) + " of " + std::to_string(whole.size());
-        if (!header) return {"no frame" + where};
-        if (sampleRate != 0 && header->sampleRate != sampleRate)
-            return {"a frame of another rate" + where};
-        sampleRate = header->sampleRate;
-        at += static_cast<std::size_t>(header->frameBytes);
-        if (at > whole.size()) return {"a torn frame" + where};
+        if (isFrameOf(*first, whole, at)) {
+            last = at;
+            at += static_cast<std::size_t>(parseMp3Header(whole.subspan(at))->frameBytes);
+            continue;
+        }
+        const auto next = nextRun(*first, whole, last);
+        if (++seams > mostSeams || !next)
+            return {"a tear at byte " + std::to_string(at) + " of " + std::to_string(whole.size()) +
+                    (next ? "" : " and nothing behind it")};
+        at = *next;
     }
-    if (at == 0) return {"no frame at all"};
     return {};
 }
 

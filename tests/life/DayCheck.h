@@ -42,8 +42,10 @@ std::vector<std::string> complaintsAboutAir(const AirEvidence& evidence,
 std::vector<std::string> complaintsAboutLog(const std::string& log,
                                             const std::vector<OwedRow>& owed);
 
-/// The file is MP3 frames of one kind from its first byte to its last.
-std::vector<std::string> complaintsAboutStream(const std::string& bytes);
+/// The file is MP3 frames of one kind from its first byte to its last, but for at most so many
+/// seams at which a frame is torn: a program that was killed, or a disk that was full, may have
+/// left one.
+std::vector<std::string> complaintsAboutStream(const std::string& bytes, int mostSeams);
 
 /// The worst of what complaintsAboutAir() allows: how far from its moment a second stands.
 /// Units: seconds; positive when it is late

@@ -81,7 +81,7 @@ void stepAhead(LivingStation& station) {
 }
 
 void sleepLong(LivingStation& station) {
-    step(station, std::lround(station.between(900, 1800)));
+    step(station, std::lround(station.between(600, 1400)));
 }
 
 void stepBack(LivingStation& station) {
@@ -112,6 +112,7 @@ void fillTheDisk(LivingStation& station) {
     station.live(0.8);  // what was sent is written
     const auto from = station.program().lineCount();
     station.air().interrupt(station.now(), kHeldBack);
+    station.expectSeam();
     if (!station.disk().fill()) throw std::runtime_error("the disk can't be filled");
     pass(station.between(3, 6));
     if (!station.disk().changeSize("size=200m")) throw std::runtime_error("no space again");

@@ -151,8 +151,14 @@ double LivingStation::launch() {
     return momentOf(expect(*program_, started(), 0, 60));
 }
 
+int LivingStation::mostSeams(const std::string& date) const {
+    const auto found = seams_.find(date);
+    return found == seams_.end() ? 0 : found->second;
+}
+
 void LivingStation::kill() {
     look();
+    expectSeam();
     // Nobody knows whether what was sent just now was written.
     const double sure = secondsOf(std::chrono::system_clock::now()) - kOnTheWaySec;
     for (auto& [sentAt, row] : onTheirWay_)
