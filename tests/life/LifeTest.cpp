@@ -100,7 +100,10 @@ class StationLife : public ::testing::Test {
         }
         const auto from = station_->program().lineCount();
         station_->live(std::max(0.0, moment.at - station_->now()) + 0.4);
-        if (moment.kind == BigMoment::Kind::midnight) station_->followRollover(from);
+        if (moment.kind == BigMoment::Kind::midnight)
+            EXPECT_NEAR(station_->followRollover(from) - moment.at, 1.25, 0.25)
+                << "the change of files\n"
+                << station_->journal().last(10);
         station_->note("past " + moment.name);
         station_->live(3);
         suffer(faults.second);

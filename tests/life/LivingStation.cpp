@@ -226,7 +226,7 @@ void LivingStation::settleInNewDay(std::size_t fromLine) {
     settle(secondsSince1970(*startedAt), 0, fromLine);
 }
 
-void LivingStation::followRollover(std::size_t fromLine) {
+double LivingStation::followRollover(std::size_t fromLine) {
     expect(*program_, "Sonavault recorder: rolled over → ", fromLine);
     const std::string date = dateOf(now());
     const auto startedAt =
@@ -236,6 +236,7 @@ void LivingStation::followRollover(std::size_t fromLine) {
     air_.interrupt(secondsSince1970(*startedAt), 0.2);
     air_.beginDay(date, secondsSince1970(*startedAt));
     settle(secondsSince1970(*startedAt), 0, program_->lineCount());
+    return secondsSince1970(*startedAt);
 }
 
 void LivingStation::watchTheMachine() {

@@ -69,8 +69,9 @@ class LivingStation {
     void settle(double moment, double slack, std::size_t fromLine);
     /// A new file begins: waits for its manifest, and until it gets its air.
     void settleInNewDay(std::size_t fromLine);
-    /// The file is the next day's since a moment ago, and nothing was missed.
-    void followRollover(std::size_t fromLine);
+    /// The file changed at midnight, with the recording going on. Gives the moment at which the new
+    /// one begins.
+    double followRollover(std::size_t fromLine);
     /// Lets time pass, with a marker now and then.
     void live(double seconds);
     void sendMarker();
