@@ -100,10 +100,11 @@ class StationLife : public ::testing::Test {
         }
         const auto from = station_->program().lineCount();
         station_->live(std::max(0.0, moment.at - station_->now()) + 0.4);
-        if (moment.kind == BigMoment::Kind::midnight)
+        if (moment.kind == BigMoment::Kind::midnight) {
             EXPECT_NEAR(station_->followRollover(from) - moment.at, 1.25, 0.25)
                 << "the change of files\n"
                 << station_->journal().last(10);
+        }
         station_->note("past " + moment.name);
         station_->live(3);
         suffer(faults.second);
@@ -125,7 +126,8 @@ class StationLife : public ::testing::Test {
         if (!complaints.empty())
             ADD_FAILURE() << file << ": " << complaints.size() << " complaints\n"
                           << all << "the journal of that day:\n"
-                          << journalOf(file);
+                          << journalOf(file)
+                          << "what the recorder said: " << LivingStation::logFile();
     }
 
     std::string journalOf(const std::string& file) {

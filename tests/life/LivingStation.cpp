@@ -1,6 +1,7 @@
 #include "life/LivingStation.h"
 
 #include <csignal>
+#include <fstream>
 #include <stdexcept>
 #include <thread>
 
@@ -23,8 +24,8 @@ constexpr double kCaughtUpMs = 60;
 // The automation, its link and the main queue pass a marker on in much less, busy or not.
 constexpr double kOnTheWaySec = 0.7;
 
-// A sender held up for longer than this loses air or sends it late.
-constexpr double kStandstillSec = 0.12;
+// The recorder makes up with silence for what comes later than this.
+constexpr double kStandstillSec = 0.05;
 
 double secondsOf(std::chrono::system_clock::time_point moment) {
     return std::chrono::duration<double>(moment.time_since_epoch()).count();
@@ -48,6 +49,7 @@ LivingStation::LivingStation(unsigned seed, const std::string& zone)
       zone_(zone.c_str()),
       disk_(station_.audioFolder(), "size=200m"),
       formats_(static_cast<int>(seed % 4)) {
+    std::filesystem::remove(logFile());
     if (!disk_.isMounted()) giveUp("the right to mount a disk of one's own is needed");
     station_.setEnvironment(clock_.environment());
     station_.setEnvironment(sound_.environment());
@@ -134,6 +136,7 @@ void LivingStation::startAutomation() {
 
 void LivingStation::killAutomation() {
     if (!automation_) return;
+    doubtWhatIsOnItsWay();
     automation_->signal(SIGKILL);
     automation_->waitForEnd(5s);
     MovableClock::cleanUpAfter(*automation_);
@@ -156,17 +159,22 @@ int LivingStation::mostSeams(const std::string& date) const {
     return found == seams_.end() ? 0 : found->second;
 }
 
-void LivingStation::kill() {
-    look();
-    expectSeam();
-    // Nobody knows whether what was sent just now was written.
+// Nobody knows whether what was sent just now was written.
+void LivingStation::doubtWhatIsOnItsWay() {
     const double sure = secondsOf(std::chrono::system_clock::now()) - kOnTheWaySec;
     for (auto& [sentAt, row] : onTheirWay_)
         if (sentAt > sure) row->mayBeLost = true;
     onTheirWay_.clear();
+}
+
+void LivingStation::kill() {
+    look();
+    expectSeam();
+    doubtWhatIsOnItsWay();
     if (!program_->isAlive()) giveUp("the program ended by itself:\n" + program_->text());
     program_->signal(SIGKILL);
     program_->waitForEnd(5s);
+    keepLog();
     MovableClock::cleanUpAfter(*program_);
     program_.reset();
 }
@@ -212,6 +220,7 @@ void LivingStation::settle(double moment, double slack, std::size_t fromLine) {
         fromLine = program_->lineCount();
     }
     watch_.takeLongest();
+    waits_.clear();
     air_.open(now() + 0.1, !fromLine_);
     look();
 }
@@ -239,18 +248,39 @@ double LivingStation::followRollover(std::size_t fromLine) {
     return secondsSince1970(*startedAt);
 }
 
+/// How long the programs may have come too late within the last quarter of a second.
+/// Units: seconds
+double LivingStation::lateness() {
+    constexpr std::size_t kLooks = 12;
+    double waited = program_->waitedForProcessor();
+    if (automation_) waited += automation_->waitedForProcessor();
+    if (!waits_.empty() && waited < waits_.back()) waits_.clear();  // another process
+    waits_.push_back(waited);
+    if (waits_.size() > kLooks) waits_.pop_front();
+    double late = std::max(watch_.takeLongest(), waited - waits_.front());
+    if (!automation_) return late;
+    const auto lines = automation_->lines();
+    for (; automationLinesSeen_ < lines.size(); ++automationLinesSeen_)
+        if (lines[automationLinesSeen_].text.find("having been too late") != std::string::npos)
+            late = std::max(late, 1.0);
+    return late;
+}
+
 void LivingStation::watchTheMachine() {
-    double stood = watch_.takeLongest();
-    if (automation_) {
-        const auto lines = automation_->lines();
-        for (; automationLinesSeen_ < lines.size(); ++automationLinesSeen_)
-            if (lines[automationLinesSeen_].text.find("having been too late") != std::string::npos)
-                stood = std::max(stood, 1.0);
-    }
+    const double stood = lateness();
     if (stood < kStandstillSec || !air_.isOpen()) return;
     note("the machine stood still for " + std::to_string(stood) + " s");
     std::this_thread::sleep_for(300ms);
+    waits_.clear();
     air_.excuse(now(), stood);
+}
+
+std::filesystem::path LivingStation::logFile() {
+    return std::filesystem::temp_directory_path() / "sonavault-life.log";
+}
+
+void LivingStation::keepLog() const {
+    std::ofstream(logFile(), std::ios::app) << program_->text() << "--- killed\n";
 }
 
 void LivingStation::live(double seconds) {

@@ -87,6 +87,8 @@ class LivingStation {
     /// How many torn frames the day's file may have.
     int mostSeams(const std::string& date) const;
     void expectSeam() { ++seams_[air_.date()]; }
+    /// All that the recorder said.
+    static std::filesystem::path logFile();
     std::filesystem::path folder() const { return station_.audioFolder(); }
     std::string dateOf(double moment) const;
 
@@ -104,6 +106,9 @@ class LivingStation {
 
   private:
     void watchTheMachine();
+    double lateness();
+    void doubtWhatIsOnItsWay();
+    void keepLog() const;
     std::string started() const;
     [[noreturn]] void giveUp(const std::string& why);
 
@@ -117,6 +122,8 @@ class LivingStation {
     Station station_;
     SmallDisk disk_;
     MachineWatch watch_;
+    /// What the programs waited for a processor, at the last looks.
+    std::deque<double> waits_;
     bool fromLine_ = false;
     int markers_ = 0;
     int formats_ = 0;

@@ -169,4 +169,18 @@ int ChildProcess::openDescriptors() const {
     return count;
 }
 
+double ChildProcess::waitedForProcessor() const {
+    std::error_code gone;
+    double nanoseconds = 0;
+    const std::filesystem::directory_iterator tasks("/proc/" + std::to_string(pid_) + "/task",
+                                                    gone);
+    for (const auto& task : tasks) {
+        std::ifstream statistics(task.path() / "schedstat");
+        double ran = 0;
+        double waited = 0;
+        if (statistics >> ran >> waited) nanoseconds += waited;
+    }
+    return nanoseconds / 1e9;
+}
+
 }  // namespace sonavault::testing

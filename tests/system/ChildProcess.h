@@ -60,6 +60,10 @@ class ChildProcess {
     long residentKilobytes() const;
     int openDescriptors() const;
 
+    /// How long all its threads together were ready to run and were not let, since they began; 0
+    /// where the system does not tell. Units: seconds
+    double waitedForProcessor() const;
+
   private:
     void readLines();
 
