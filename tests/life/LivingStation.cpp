@@ -25,10 +25,22 @@ constexpr double kCaughtUpMs = 60;
 constexpr double kOnTheWaySec = 0.7;
 
 // The recorder makes up with silence for what comes later than this.
-constexpr double kStandstillSec = 0.05;
+constexpr double kStandstillSec = 0.04;
 
 double secondsOf(std::chrono::system_clock::time_point moment) {
     return std::chrono::duration<double>(moment.time_since_epoch()).count();
+}
+
+/// The longest that a thread of `child` was kept waiting for a processor since the look that gave
+/// `known`, which is made anew. A wait counts when it is over.
+double longestWait(const ChildProcess& child, std::map<std::string, double>& known) {
+    auto waits = child.waitsForProcessor();
+    double longest = 0;
+    for (const auto& [thread, waited] : waits)
+        if (const auto before = known.find(thread); before != known.end())
+            longest = std::max(longest, waited - before->second);
+    known = std::move(waits);
+    return longest;
 }
 
 /// What one sender after another uses: rates below, at and above the file's, and both byte orders.
@@ -219,8 +231,7 @@ void LivingStation::settle(double moment, double slack, std::size_t fromLine) {
         if (number(line.text, "drift=") <= kCaughtUpMs) break;
         fromLine = program_->lineCount();
     }
-    watch_.takeLongest();
-    waits_.clear();
+    lateness();  // what was late until now is no matter
     air_.open(now() + 0.1, !fromLine_);
     look();
 }
@@ -248,16 +259,12 @@ double LivingStation::followRollover(std::size_t fromLine) {
     return secondsSince1970(*startedAt);
 }
 
-/// How long the programs may have come too late within the last quarter of a second.
-/// Units: seconds
+/// How late the programs may have come since the last look. Units: seconds
 double LivingStation::lateness() {
-    constexpr std::size_t kLooks = 12;
-    double waited = program_->waitedForProcessor();
-    if (automation_) waited += automation_->waitedForProcessor();
-    if (!waits_.empty() && waited < waits_.back()) waits_.clear();  // another process
-    waits_.push_back(waited);
-    if (waits_.size() > kLooks) waits_.pop_front();
-    double late = std::max(watch_.takeLongest(), waited - waits_.front());
+    double late = watch_.takeLongest();
+    double longest = longestWait(*program_, recorderWaits_);
+    if (automation_) longest += longestWait(*automation_, automationWaits_);
+    late = std::max(late, longest);
     if (!automation_) return late;
     const auto lines = automation_->lines();
     for (; automationLinesSeen_ < lines.size(); ++automationLinesSeen_)
@@ -271,7 +278,6 @@ void LivingStation::watchTheMachine() {
     if (stood < kStandstillSec || !air_.isOpen()) return;
     note("the machine stood still for " + std::to_string(stood) + " s");
     std::this_thread::sleep_for(300ms);
-    waits_.clear();
     air_.excuse(now(), stood);
 }
 

@@ -122,8 +122,9 @@ class LivingStation {
     Station station_;
     SmallDisk disk_;
     MachineWatch watch_;
-    /// What the programs waited for a processor, at the last looks.
-    std::deque<double> waits_;
+    /// How long each thread had waited for a processor at the last look.
+    std::map<std::string, double> recorderWaits_;
+    std::map<std::string, double> automationWaits_;
     bool fromLine_ = false;
     int markers_ = 0;
     int formats_ = 0;

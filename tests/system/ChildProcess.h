@@ -60,9 +60,9 @@ class ChildProcess {
     long residentKilobytes() const;
     int openDescriptors() const;
 
-    /// How long all its threads together were ready to run and were not let, since they began; 0
-    /// where the system does not tell. Units: seconds
-    double waitedForProcessor() const;
+    /// How long each of its threads was ready to run and was not let, since it began, by the
+    /// thread's number. Units: seconds
+    std::map<std::string, double> waitsForProcessor() const;
 
   private:
     void readLines();
