@@ -80,7 +80,8 @@ class ChordFinder {
 
     void take(std::size_t begin, std::size_t end, std::vector<HeardChord>& chords) const {
         // A block is loud as soon as enough of it is.
-        const double from = static_cast<double>(begin + width() / 2) / heard_.sampleRate;
+        const double from =
+            (static_cast<double>(begin) + static_cast<double>(width()) / 2) / heard_.sampleRate;
         const double length = static_cast<double>(end - begin) / heard_.sampleRate;
         if (length < kShortestChord || length > kLongestChord) return;
         chords.push_back(

@@ -126,8 +126,7 @@ class StationLife : public ::testing::Test {
         if (!complaints.empty())
             ADD_FAILURE() << file << ": " << complaints.size() << " complaints\n"
                           << all << "the journal of that day:\n"
-                          << journalOf(file)
-                          << "what the recorder said: " << LivingStation::logFile();
+                          << journalOf(file) << "what the recorder said: " << station_->logFile();
     }
 
     std::string journalOf(const std::string& file) {
@@ -167,7 +166,7 @@ class StationLife : public ::testing::Test {
         const std::string log = readFile(station_->folder() / name);
         std::vector<OwedRow> owed;
         for (const auto& [day, rows] : station_->rows())
-            for (OwedRow row : rows) {
+            for (const OwedRow& row : rows) {
                 if (day != date && row.otherDay != date) continue;
                 const bool isInOther =
                     !row.otherDay.empty() &&

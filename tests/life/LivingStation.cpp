@@ -57,7 +57,8 @@ std::vector<std::string> formatOf(int number) {
 }  // namespace
 
 LivingStation::LivingStation(unsigned seed, const std::string& zone)
-    : random_(seed),
+    : seed_(seed),
+      random_(seed),
       zone_(zone.c_str()),
       disk_(station_.audioFolder(), "size=200m"),
       formats_(static_cast<int>(seed % 4)) {
@@ -281,8 +282,9 @@ void LivingStation::watchTheMachine() {
     air_.excuse(now(), stood);
 }
 
-std::filesystem::path LivingStation::logFile() {
-    return std::filesystem::temp_directory_path() / "sonavault-life.log";
+std::filesystem::path LivingStation::logFile() const {
+    return std::filesystem::temp_directory_path() /
+           ("sonavault-life-" + std::to_string(seed_) + ".log");
 }
 
 void LivingStation::keepLog() const {

@@ -88,7 +88,7 @@ class LivingStation {
     int mostSeams(const std::string& date) const;
     void expectSeam() { ++seams_[air_.date()]; }
     /// All that the recorder said.
-    static std::filesystem::path logFile();
+    std::filesystem::path logFile() const;
     std::filesystem::path folder() const { return station_.audioFolder(); }
     std::string dateOf(double moment) const;
 
@@ -112,6 +112,7 @@ class LivingStation {
     std::string started() const;
     [[noreturn]] void giveUp(const std::string& why);
 
+    const unsigned seed_;
     std::mt19937 random_;
     Journal journal_;
     AirBook air_;
