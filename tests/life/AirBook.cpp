@@ -21,7 +21,7 @@ double surelySilent(double outage) {
 void AirBook::beginDay(const std::string& date, double startedAt) {
     date_ = date;
     fileEnd_ = startedAt;
-    ahead_ = slack_ = gap_ = 0;
+    ahead_ = slack_ = gap_ = silent_ = 0;
     days_[date];
 }
 
@@ -30,7 +30,7 @@ void AirBook::open(double moment, bool tellsTime) {
     open_->from = moment;
     open_->ahead = ahead_;
     open_->slack = slack_;
-    open_->silentBefore = surelySilent(gap_);
+    open_->silentBefore = silent_;
     open_->tellsTime = tellsTime;
 }
 
@@ -42,9 +42,10 @@ void AirBook::interrupt(double moment, double unsure) {
     fileEnd_ = moment + ahead_;
 }
 
-void AirBook::resume(double moment, double slack) {
+void AirBook::resume(double moment, double slack, double misplaced) {
     const double surplus = fileEnd_ - moment;
     gap_ = std::max(0.0, -surplus);
+    silent_ = surelySilent(gap_ - misplaced);
     ahead_ = std::max(0.0, surplus);
     slack_ = surplus > -kUnsureAhead - slack_ ? slack_ + slack : 0;
 }
@@ -52,7 +53,7 @@ void AirBook::resume(double moment, double slack) {
 void AirBook::excuse(double moment, double length) {
     const bool toldTime = open_ && open_->tellsTime;
     interrupt(moment, length + 0.3);
-    gap_ = 0;
+    gap_ = silent_ = 0;
     slack_ += length;
     excused_ += length + 0.6;
     open(moment + 0.3, toldTime);

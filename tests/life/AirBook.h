@@ -27,8 +27,9 @@ class AirBook {
     void interrupt(double moment, double unsure);
 
     /// Air comes again from `moment` on. `slack`: how much longer or shorter the file may be than
-    /// what went into it.
-    void resume(double moment, double slack);
+    /// what went into it. `misplaced`: how much air may stand in the outage, having come when the
+    /// file was behind the clock.
+    void resume(double moment, double slack, double misplaced = 0);
 
     /// How far behind the clock the file was at the last resume(). Units: seconds
     double gap() const { return gap_; }
@@ -52,6 +53,7 @@ class AirBook {
     double ahead_ = 0;
     double slack_ = 0;
     double gap_ = 0;
+    double silent_ = 0;
     double excused_ = 0;
 };
 

@@ -27,6 +27,9 @@ constexpr double kEdgeSec = 0.15;
 // over.
 constexpr double kShortestHole = 0.03;
 
+// What plays into a sound server is a program too, and may come late.
+constexpr double kShortestHoleOfLine = 0.1;
+
 std::string clockText(long long secondOfDay) {
     char text[32];
     std::snprintf(text, sizeof text, "%02lld:%02lld:%02lld", secondOfDay / 3600,
@@ -91,7 +94,7 @@ std::size_t blockAt(const AirEvidence& evidence, double place) {
 }
 
 /// No hole between these places of the file.
-void checkUnbroken(const AirEvidence& evidence, double from, double to,
+void checkUnbroken(const AirEvidence& evidence, double from, double to, double shortestHole,
                    std::vector<std::string>& complaints) {
     const std::size_t end = std::max(blockAt(evidence, to), blockAt(evidence, from));
     std::size_t hole = 0;
@@ -101,7 +104,7 @@ void checkUnbroken(const AirEvidence& evidence, double from, double to,
             continue;
         }
         const double length = static_cast<double>(hole) * AirEvidence::kBlockSec;
-        if (length >= kShortestHole) {
+        if (length >= shortestHole) {
             const double place = static_cast<double>(block - hole) * AirEvidence::kBlockSec;
             complaints.push_back("no air for " + milliseconds(length) + " at " +
                                  milliseconds(place) + " of the file, which is " +
@@ -176,7 +179,8 @@ std::vector<std::string> complaintsAboutAir(const AirEvidence& evidence,
         for (const long long second : secondsOf(stretch))
             checkSecond(evidence, stretch, second, complaints);
         checkUnbroken(evidence, placeOf(evidence, stretch, stretch.from) + edge,
-                      placeOf(evidence, stretch, stretch.to) - edge, complaints);
+                      placeOf(evidence, stretch, stretch.to) - edge,
+                      stretch.tellsTime ? kShortestHole : kShortestHoleOfLine, complaints);
         if (before) checkOutage(evidence, *before, stretch, complaints);
         before = &stretch;
     }

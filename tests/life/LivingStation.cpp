@@ -219,8 +219,8 @@ void LivingStation::look() {
 
 // The account
 
-void LivingStation::settle(double moment, double slack, std::size_t fromLine) {
-    air_.resume(moment, slack);
+void LivingStation::settle(double moment, double slack, std::size_t fromLine, double misplaced) {
+    air_.resume(moment, slack, misplaced);
     constexpr double kCertainGap = 0.3;
     const double patience = 30 + air_.gap() / 10;
     if (air_.gap() > kCertainGap) {
@@ -279,6 +279,7 @@ void LivingStation::watchTheMachine() {
     if (stood < kStandstillSec || !air_.isOpen()) return;
     note("the machine stood still for " + std::to_string(stood) + " s");
     std::this_thread::sleep_for(300ms);
+    lateness();
     air_.excuse(now(), stood);
 }
 

@@ -65,8 +65,9 @@ class LivingStation {
 
     // The account
 
-    /// Air is back since `moment`: waits until the file has caught up with the clock.
-    void settle(double moment, double slack, std::size_t fromLine);
+    /// Air is back since `moment`: waits until the file has caught up with the clock. The rest is
+    /// as AirBook::resume() takes it.
+    void settle(double moment, double slack, std::size_t fromLine, double misplaced = 0);
     /// A new file begins: waits for its manifest, and until it gets its air.
     void settleInNewDay(std::size_t fromLine);
     /// The file changed at midnight, with the recording going on. Gives the moment at which the new
