@@ -37,6 +37,16 @@ TEST(AirBook, knows_an_outage_and_the_silence_that_stands_for_it) {
     EXPECT_NEAR(book.heard(), 8.6 + 9, 1e-6);
 }
 
+TEST(AirBook, asks_for_less_silence_where_air_may_stand_in_an_outage) {
+    auto book = bookOfADay();
+    book.interrupt(kStart + 10, 0);
+    book.resume(kStart + 20, 0.35, 3);
+    book.open(kStart + 21);
+    EXPECT_EQ(lastOf(book, kStart + 30).silentBefore, surelySilent(7));
+    EXPECT_LT(surelySilent(7), surelySilent(10));
+    EXPECT_EQ(surelySilent(0.5), 0);
+}
+
 TEST(AirBook, leaves_a_file_ahead_of_a_clock_that_was_set_back_until_an_outage_uses_that_up) {
     auto book = bookOfADay();
     book.interrupt(kStart + 10, 0);

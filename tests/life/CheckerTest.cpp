@@ -97,6 +97,15 @@ TEST(LifeChecker, finds_a_hole_between_two_chords) {
                 Contains(HasSubstr("no air for 50 ms at 10000 ms of the file")));
 }
 
+TEST(LifeChecker, finds_a_hole_of_a_tenth_of_a_second_in_what_does_not_tell_its_time) {
+    auto line = stretch(0, 20);
+    line.tellsTime = false;
+    for (const double hole : {0.05, 0.12}) {
+        const auto day = dayOf({airAt(0, 10), silence(hole), airAt(10 + hole, 20)});
+        EXPECT_THAT(complaintsAboutAir(day, {line}), SizeIs(hole < 0.1 ? 0 : 1)) << hole;
+    }
+}
+
 TEST(LifeChecker, finds_sound_where_there_was_no_air) {
     const auto day = dayOf({airAt(0, 10), airAt(5, 10), silence(5), airAt(20, 30)});
     EXPECT_THAT(complaintsAboutAir(day, {stretch(0, 10), stretch(20, 30, 9.5)}),
