@@ -17,8 +17,6 @@ namespace sonavault::testing {
 
 namespace {
 
-constexpr double kToleranceSec = 0.060;
-
 // An encoder smears what begins or ends over a frame to either side, and a second of air arrives
 // some milliseconds after it was played.
 constexpr double kEdgeSec = 0.15;

@@ -7,6 +7,14 @@
 
 namespace sonavault::testing {
 
+/// How far from its moment a second may stand, beside one MP3 frame. A sanitizer, where it is built
+/// in, holds every buffer up for a while. Units: seconds
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr double kToleranceSec = 0.100;
+#else
+inline constexpr double kToleranceSec = 0.060;
+#endif
+
 /// A stretch of time in which a day's recording surely got its air and was not catching up.
 /// Moments are the station's, in seconds since 1970.
 struct AirStretch {
@@ -33,8 +41,9 @@ struct OwedRow {
 
 // Each gives what is wrong, in words, with the moments at which it is; empty when all is well.
 
-/// Each second of each stretch stands in the file within a frame and 60 ms of its moment, there is
-/// no hole in a stretch, and between two stretches there is the silence that the outage asks for.
+/// Each second of each stretch stands in the file within a frame and kToleranceSec of its moment,
+/// there is no hole in a stretch, and between two stretches there is the silence that the outage
+/// asks for.
 std::vector<std::string> complaintsAboutAir(const AirEvidence& evidence,
                                             const std::vector<AirStretch>& stretches);
 

@@ -21,7 +21,12 @@ using Faults = std::vector<LifeFault>;
 
 // Enough for what a program takes on in its first minute, and far less than a leak of a buffer or a
 // row would come to.
+// What a sanitizer keeps of its own comes on top.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr long kMostGrowthKilobytes = 160 * 1024;
+#else
 constexpr long kMostGrowthKilobytes = 16 * 1024;
+#endif
 constexpr int kMostMoreDescriptors = 3;
 
 // More than this of a life can't be left untold, or it proves nothing.
