@@ -25,11 +25,11 @@ void AirBook::beginDay(const std::string& date, double startedAt) {
     days_[date];
 }
 
-void AirBook::open(double moment, bool tellsTime) {
+void AirBook::open(double moment, bool tellsTime, double late) {
     open_.emplace();
     open_->from = moment;
     open_->ahead = ahead_;
-    open_->slack = slack_;
+    open_->slack = slack_ + late;
     open_->silentBefore = silent_;
     open_->tellsTime = tellsTime;
 }

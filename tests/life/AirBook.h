@@ -19,8 +19,9 @@ class AirBook {
     /// A day's file begins with its frame 0 at `startedAt`.
     void beginDay(const std::string& date, double startedAt);
 
-    /// From `moment` on the recording is as it should be.
-    void open(double moment, bool tellsTime = true);
+    /// From `moment` on the recording is as it should be. `late`: how late the buffer may have been
+    /// that closed the gap.
+    void open(double moment, bool tellsTime = true, double late = 0);
 
     /// The air stopped at `moment`, or the clock stands there before it is set. What was heard in
     /// the last `unsure` seconds may be lost or not.

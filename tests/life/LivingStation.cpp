@@ -227,14 +227,26 @@ void LivingStation::settle(double moment, double slack, std::size_t fromLine, do
         expect(*program_, kPad, fromLine);
         fromLine = program_->lineCount();
     }
-    for (;;) {
-        const auto line = expect(*program_, kSync, fromLine, patience);
-        if (number(line.text, "drift=") <= kCaughtUpMs) break;
-        fromLine = program_->lineCount();
-    }
-    lateness();  // what was late until now is no matter
-    air_.open(now() + 0.1, !fromLine_);
+    double late = 0;
+    while (!isCaughtUp(fromLine, patience, late)) fromLine = program_->lineCount();
+    constexpr double kUsual = 0.01;
+    air_.open(now() + 0.1, !fromLine_, late > kUsual ? late : 0);
     look();
+}
+
+/// Whether the next line about the clock says so. `late`: how late the buffers before it may have
+/// been, the last of which settled where the file stands.
+bool LivingStation::isCaughtUp(std::size_t fromLine, double patience, double& late) {
+    const double end = now() + patience;
+    lateness();
+    late = 0;
+    std::optional<HeardLine> line;
+    while (!line && now() < end) {
+        line = program_->waitForLine(kSync, 20ms, fromLine);
+        late = std::max(late, lateness());
+    }
+    if (!line) line = expect(*program_, kSync, fromLine, 0.1);  // tells what was said instead
+    return number(line->text, "drift=") <= kCaughtUpMs;
 }
 
 void LivingStation::settleInNewDay(std::size_t fromLine) {

@@ -108,6 +108,7 @@ class LivingStation {
   private:
     void watchTheMachine();
     double lateness();
+    bool isCaughtUp(std::size_t fromLine, double patience, double& late);
     void doubtWhatIsOnItsWay();
     void keepLog() const;
     std::string started() const;
