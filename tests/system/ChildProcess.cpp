@@ -169,4 +169,18 @@ int ChildProcess::openDescriptors() const {
     return count;
 }
 
+std::map<std::string, double> ChildProcess::waitsForProcessor() const {
+    std::error_code gone;
+    std::map<std::string, double> waits;
+    const std::filesystem::directory_iterator tasks("/proc/" + std::to_string(pid_) + "/task",
+                                                    gone);
+    for (const auto& task : tasks) {
+        std::ifstream statistics(task.path() / "schedstat");
+        double ran = 0;
+        double waited = 0;
+        if (statistics >> ran >> waited) waits[task.path().filename().string()] = waited / 1e9;
+    }
+    return waits;
+}
+
 }  // namespace sonavault::testing

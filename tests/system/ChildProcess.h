@@ -60,6 +60,10 @@ class ChildProcess {
     long residentKilobytes() const;
     int openDescriptors() const;
 
+    /// How long each of its threads was ready to run and was not let, since it began, by the
+    /// thread's number. Units: seconds
+    std::map<std::string, double> waitsForProcessor() const;
+
   private:
     void readLines();
 

@@ -4,7 +4,6 @@
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
-#include <sys/mount.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -15,6 +14,7 @@
 #include "platform/AudioFileInfo.h"
 #include "store/RecordingManifest.h"
 #include "system/Listening.h"
+#include "system/SmallDisk.h"
 #include "system/Station.h"
 
 namespace sonavault::testing {
@@ -105,30 +105,6 @@ class Fault : public ::testing::Test {
     std::unique_ptr<ChildProcess> automation_;
 };
 
-/// A disk of the test's own under a folder; needs the right to mount.
-class SmallDisk {
-  public:
-    SmallDisk(std::filesystem::path folder, const std::string& options)
-        : folder_(std::move(folder)) {
-        std::filesystem::create_directories(folder_);
-        mounted_ = mount("none", folder_.c_str(), "tmpfs", 0, options.c_str()) == 0;
-    }
-    ~SmallDisk() {
-        if (mounted_) umount2(folder_.c_str(), MNT_DETACH);
-    }
-    SmallDisk(const SmallDisk&) = delete;
-    SmallDisk& operator=(const SmallDisk&) = delete;
-
-    bool isMounted() const { return mounted_; }
-    bool change(unsigned long flags, const std::string& options) const {
-        return mount("none", folder_.c_str(), "tmpfs", MS_REMOUNT | flags, options.c_str()) == 0;
-    }
-
-  private:
-    std::filesystem::path folder_;
-    bool mounted_ = false;
-};
-
 TEST_F(Fault, a_full_disk_costs_air_but_not_the_program_and_the_next_run_fills_the_gap) {
     const SmallDisk disk(station_.audioFolder(), "size=32k");
     ASSERT_TRUE(disk.isMounted()) << "the tests need the right to mount a disk of their own";
@@ -136,7 +112,7 @@ TEST_F(Fault, a_full_disk_costs_air_but_not_the_program_and_the_next_run_fills_t
     expectLine("Sonavault sync: wall_elapsed=13.", 30s);
     const auto full = std::filesystem::file_size(station_.dayFile("mp3"));
     EXPECT_LE(full, 32U * 1024);
-    ASSERT_TRUE(disk.change(0, "size=10m"));
+    ASSERT_TRUE(disk.changeSize("size=10m"));
     EXPECT_TRUE(growsBeyond(full + 6000, 10s)) << "recording goes on when space returns";
     program_->signal(SIGKILL);
     ASSERT_TRUE(program_->waitForEnd(5s));
@@ -158,12 +134,12 @@ TEST_F(Fault,
        a_read_only_disk_keeps_the_program_running_and_recording_begins_when_it_can_be_written) {
     const SmallDisk disk(station_.audioFolder(), "size=10m");
     ASSERT_TRUE(disk.isMounted()) << "the tests need the right to mount a disk of their own";
-    ASSERT_TRUE(disk.change(MS_RDONLY, "size=10m"));
+    ASSERT_TRUE(disk.makeReadOnly("size=10m"));
     launch();
     automation_ = station_.startAutomation({"--signal", "tone"});
     expectLine("Sonavault recorder: could not open MP3 file for write: Read-only file system");
     EXPECT_TRUE(program_->isAlive());
-    ASSERT_TRUE(disk.change(0, "size=10m"));
+    ASSERT_TRUE(disk.changeSize("size=10m"));
     expectLine(kStarted);
     EXPECT_TRUE(growsBeyond(3000, 10s));
 }
@@ -175,7 +151,7 @@ TEST_F(Fault, a_disk_that_is_full_from_the_start_is_told_of_and_recorded_on_once
     startRecording();
     EXPECT_TRUE(program_->waitForLine("Sonavault recorder: manifest write failed: ", 5s))
         << program_->text();
-    ASSERT_TRUE(disk.change(0, "size=10m"));
+    ASSERT_TRUE(disk.changeSize("size=10m"));
     EXPECT_TRUE(growsBeyond(6000, 10s));
 }
 

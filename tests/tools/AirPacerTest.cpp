@@ -20,6 +20,12 @@ TEST(AirPacer, gives_whole_chunks_once_their_time_is_over) {
     EXPECT_EQ(due.frames, 3 * 882);
 }
 
+TEST(AirPacer, gives_chunks_of_another_length_where_asked) {
+    AirPacer pacer(16000, 0.005);
+    EXPECT_EQ(pacer.take(0.0049).frames, 0);
+    EXPECT_EQ(pacer.take(0.0051).frames, 80);
+}
+
 TEST(AirPacer, runs_neither_fast_nor_slow_over_a_day) {
     for (const int rate : {8000, 11025, 44100, 192000}) {
         AirPacer pacer(rate);

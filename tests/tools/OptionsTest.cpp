@@ -58,7 +58,7 @@ TEST(Options, take_every_setting) {
                 "--channels",  "8",          "--byte-order", "big",       "--signal", "tone-bursts",
                 "--frequency", "440.5",      "--level",      "-12",       "--seed",   "9",
                 "--duration",  "2.5",        "--once",       "--drop-at", "1:2",      "--drop-at",
-                "10:1",        "--stall-at", "5:1"});
+                "10:1",        "--stall-at", "5:1",          "--chunk",   "5"});
     ASSERT_TRUE(options) << options.error();
     const Options& all = options.value();
     EXPECT_EQ(all.host, "studio");
@@ -71,6 +71,7 @@ TEST(Options, take_every_setting) {
     EXPECT_EQ(all.signal.frequency, 440.5);
     EXPECT_EQ(all.signal.level, -12);
     EXPECT_EQ(all.signal.seed, 9U);
+    EXPECT_EQ(all.chunkSec, 0.005);
     EXPECT_EQ(all.durationSec, 2.5);
     EXPECT_TRUE(all.once);
     EXPECT_EQ(all.plan.at(1.5), AirState::dropped);
@@ -82,6 +83,7 @@ TEST(Options, refuse_what_the_link_does_not_carry) {
     for (const QStringList& wrong : {QStringList{"--rate", "7999"},
                                      {"--rate", "192001"},
                                      {"--channels", "0"},
+                                     {"--chunk", "4"},
                                      {"--channels", "9"},
                                      {"--byte-order", "middle"},
                                      {"--signal", "song"},

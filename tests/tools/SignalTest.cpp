@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <complex>
 #include <numbers>
 #include <vector>
 
@@ -56,7 +57,7 @@ class EverySignal : public ::testing::TestWithParam<SignalKind> {};
 INSTANTIATE_TEST_SUITE_P(Signal, EverySignal,
                          ::testing::Values(SignalKind::programme, SignalKind::tone,
                                            SignalKind::silence, SignalKind::noise,
-                                           SignalKind::toneBursts));
+                                           SignalKind::toneBursts, SignalKind::clockChords));
 
 TEST_P(EverySignal, is_the_same_at_every_run) {
     EXPECT_EQ(sound(settingsOf(GetParam()), 3), sound(settingsOf(GetParam()), 3));
@@ -88,6 +89,7 @@ TEST(Signal, knows_the_kinds_by_their_names) {
     EXPECT_EQ(signalKindNamed("silence"), SignalKind::silence);
     EXPECT_EQ(signalKindNamed("noise"), SignalKind::noise);
     EXPECT_EQ(signalKindNamed("tone-bursts"), SignalKind::toneBursts);
+    EXPECT_EQ(signalKindNamed("clock-chords"), SignalKind::clockChords);
     EXPECT_FALSE(signalKindNamed("tones"));
 }
 
@@ -134,6 +136,30 @@ TEST(ToneBursts, sound_for_a_tenth_of_each_second_of_the_wall_clock) {
         EXPECT_NEAR(rmsDb(burst), -20, 0.05);
         EXPECT_NEAR(burst[12], 0.1 * std::numbers::sqrt2, 1e-3);  // a quarter of a period of 1 kHz
     }
+}
+
+/// How strong a tone is in a stretch of sound; 1 is a sine of full scale.
+double strength(std::span<const float> samples, double frequency, int rate) {
+    std::complex<double> sum = 0;
+    const double step = 2 * std::numbers::pi * frequency / rate;
+    for (std::size_t i = 0; i < samples.size(); ++i)
+        sum += static_cast<double>(samples[i]) * std::polar(1.0, -step * static_cast<double>(i));
+    return 2 * std::abs(sum) / static_cast<double>(samples.size());
+}
+
+TEST(ClockChords, tell_the_hour_the_minute_and_the_second_and_are_faint_between) {
+    const int rate = 16000;
+    // 12:34:57.5, so that the next chord is that of 12:34:58.
+    const auto samples =
+        sound(settingsOf(SignalKind::clockChords, rate), 2, 320, after(kNoon, 34 * 60 + 57.5));
+    const std::span chord(samples.data() + rate / 2, static_cast<std::size_t>(rate / 4));
+    for (const double told : {500.0 + 10 * 58, 1200.0 + 10 * 34, 1900.0 + 20 * 12})
+        EXPECT_GT(strength(chord, told, rate), 0.05) << told;
+    for (const double untold : {500.0 + 10 * 57, 500.0 + 10 * 59, 1200.0 + 10 * 35, 1900.0})
+        EXPECT_LT(strength(chord, untold, rate), 0.01) << untold;
+    const std::span between(samples.data() + rate * 3 / 4, static_cast<std::size_t>(rate * 3 / 4));
+    EXPECT_NEAR(rmsDb(between), rmsDb(chord) - 14, 0.2);
+    EXPECT_GT(strength(between, 300, rate), 0.02);
 }
 
 TEST(Programme, keeps_its_level_on_average) {

@@ -4,8 +4,8 @@
 
 namespace sonavault::automation {
 
-AirPacer::AirPacer(int sampleRate)
-    : sampleRate_(sampleRate), chunk_(std::llround(kChunkSec * sampleRate)) {}
+AirPacer::AirPacer(int sampleRate, double chunkSec)
+    : sampleRate_(sampleRate), chunk_(std::llround(chunkSec * sampleRate)) {}
 
 AirPacer::Due AirPacer::take(double elapsedSec) {
     Due due;

@@ -10,12 +10,12 @@ namespace sonavault::automation {
 /// good.
 class AirPacer {
   public:
-    /// What is sent at once. Units: seconds
+    /// What is sent at once, unless told otherwise. Units: seconds
     static constexpr double kChunkSec = 0.02;
     /// A delay longer than this is given up. Units: seconds
     static constexpr double kMostBehindSec = 0.5;
 
-    explicit AirPacer(int sampleRate);
+    explicit AirPacer(int sampleRate, double chunkSec = kChunkSec);
 
     /// What is to be sent now.
     struct Due {

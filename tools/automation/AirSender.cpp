@@ -24,7 +24,7 @@ AirSender::AirSender(Options options, const Clock& clock,
     : options_(std::move(options)),
       clock_(clock),
       say_(std::move(say)),
-      pacer_(options_.format.sampleRate),
+      pacer_(options_.format.sampleRate, options_.chunkSec),
       signal_(makeSignal(options_.signal)) {
     QObject::connect(&socket_, &QTcpSocket::connected, [this] { connected(); });
     QObject::connect(&socket_, &QTcpSocket::errorOccurred, [this] {

@@ -13,6 +13,7 @@ void describeConnection(QCommandLineParser& parser) {
     parser.addOption({"rate", "Samples a second, 8000 to 192000 (44100).", "hertz", "44100"});
     parser.addOption({"channels", "1 to 8, all alike (2).", "number", "2"});
     parser.addOption({"byte-order", "little or big (little).", "order", "little"});
+    parser.addOption({"chunk", "What is sent at once, 5 to 100 (20).", "milliseconds", "20"});
     parser.addOption({"once",
                       "End when the audio connection is lost or refused, instead of trying "
                       "again every half second."});
@@ -22,7 +23,9 @@ void describeSound(QCommandLineParser& parser) {
     parser.addOption(
         {"signal",
          "programme: talk, songs, breaks, voicetracks and alerts by the clock; tone; silence; "
-         "noise; tone-bursts: 100 ms of tone at each whole second of the wall clock (programme).",
+         "noise; tone-bursts: 100 ms of tone at each whole second of the wall clock; "
+         "clock-chords: at each second a chord that tells its time of day in UTC, over a faint "
+         "tone (programme).",
          "kind", "programme"});
     parser.addOption({"frequency", "Of the tones (1000).", "hertz", "1000"});
     parser.addOption({"level",
@@ -169,6 +172,7 @@ Result<Options> parseOptions(const QStringList& arguments) {
     options.port = static_cast<std::uint16_t>(read.wholeNumber("port", 1, 65535));
     options.format = {read.wholeNumber("rate", 8000, 192000), read.wholeNumber("channels", 1, 8),
                       read.isBig("byte-order")};
+    options.chunkSec = read.number("chunk", 5, 100) / 1000;
     options.signal.kind = read.signalKind("signal");
     options.signal.sampleRate = options.format.sampleRate;
     options.signal.frequency = read.number("frequency", 1, options.format.sampleRate / 2.0);

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "automation/AirPacer.h"
 #include "automation/AirPlan.h"
 #include "automation/AirWire.h"
 #include "automation/MarkerSender.h"
@@ -17,6 +18,7 @@ struct Options {
     std::string host = "127.0.0.1";
     std::uint16_t port = 9171;
     AirFormat format;
+    double chunkSec = AirPacer::kChunkSec;  ///< what is sent at once. Units: seconds
     SignalSettings signal;
     AirPlan plan;
     std::optional<double> durationSec;  ///< absent: until it is told to end

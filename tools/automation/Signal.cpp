@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "automation/ClockChords.h"
 #include "automation/Programme.h"
 #include "automation/TestSignals.h"
 
@@ -13,6 +14,7 @@ std::optional<SignalKind> signalKindNamed(const std::string& name) {
     if (name == "silence") return SignalKind::silence;
     if (name == "noise") return SignalKind::noise;
     if (name == "tone-bursts") return SignalKind::toneBursts;
+    if (name == "clock-chords") return SignalKind::clockChords;
     return std::nullopt;
 }
 
@@ -26,6 +28,8 @@ std::unique_ptr<Signal> makeSignal(const SignalSettings& settings) {
             return std::make_unique<Noise>(settings);
         case SignalKind::toneBursts:
             return std::make_unique<ToneBursts>(settings);
+        case SignalKind::clockChords:
+            return std::make_unique<ClockChords>(settings);
         case SignalKind::silence:
             break;
     }

@@ -19,7 +19,7 @@ class Signal {
     virtual void fill(std::span<float> samples, WallTime first) = 0;
 };
 
-enum class SignalKind { programme, tone, silence, noise, toneBursts };
+enum class SignalKind { programme, tone, silence, noise, toneBursts, clockChords };
 
 struct SignalSettings {
     SignalKind kind = SignalKind::programme;
@@ -29,7 +29,7 @@ struct SignalSettings {
     unsigned seed = 1;        ///< another seed, another programme
 };
 
-/// "programme", "tone", "silence", "noise" or "tone-bursts".
+/// "programme", "tone", "silence", "noise", "tone-bursts" or "clock-chords".
 std::optional<SignalKind> signalKindNamed(const std::string& name);
 
 std::unique_ptr<Signal> makeSignal(const SignalSettings& settings);

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "life/AirEvidence.h"
+
+namespace sonavault::testing {
+
+/// How far from its moment a second may stand, beside one MP3 frame. A sanitizer, where it is built
+/// in, holds every buffer up for a while. Units: seconds
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr double kToleranceSec = 0.100;
+#else
+inline constexpr double kToleranceSec = 0.060;
+#endif
+
+/// A stretch of time in which a day's recording surely got its air and was not catching up.
+/// Moments are the station's, in seconds since 1970.
+struct AirStretch {
+    double from = 0;
+    double to = 0;
+    /// How far the file was ahead of the clock, because the clock had been set back: audio is never
+    /// dropped for that.
+    double ahead = 0;
+    /// What is not known of `ahead`.
+    double slack = 0;
+    /// How much digital silence has to stand between the stretch before and this one.
+    double silentBefore = 0;
+    /// Its seconds tell themselves by chords; else there is only sound.
+    bool tellsTime = true;
+};
+
+/// A row that a day's log has to have, or may have.
+struct OwedRow {
+    std::string text;        ///< the whole row with its newline, or what it contains
+    bool isWhole = true;     ///< `text` is all of it
+    bool mayBeLost = false;  ///< it was on its way when the program was killed
+    std::string otherDay;    ///< a date whose log may have it instead, near midnight
+};
+
+// Each gives what is wrong, in words, with the moments at which it is; empty when all is well.
+
+/// Each second of each stretch stands in the file within a frame and kToleranceSec of its moment,
+/// there is no hole in a stretch, and between two stretches there is the silence that the outage
+/// asks for.
+std::vector<std::string> complaintsAboutAir(const AirEvidence& evidence,
+                                            const std::vector<AirStretch>& stretches);
+
+/// The log is whole rows under its header, each owed one once and no other.
+std::vector<std::string> complaintsAboutLog(const std::string& log,
+                                            const std::vector<OwedRow>& owed);
+
+/// The file is MP3 frames of one kind from its first byte to its last, but for at most so many
+/// seams at which a frame is torn: a program that was killed, or a disk that was full, may have
+/// left one.
+std::vector<std::string> complaintsAboutStream(const std::string& bytes, int mostSeams);
+
+/// The worst of what complaintsAboutAir() allows: how far from its moment a second stands.
+/// Units: seconds; positive when it is late
+struct Accuracy {
+    double earliest = 0;
+    double latest = 0;
+    long long seconds = 0;  ///< how many were found
+};
+Accuracy accuracyOf(const AirEvidence& evidence, const std::vector<AirStretch>& stretches);
+
+/// A moment as the clock in UTC shows it: "2026-03-29 00:59:58.250".
+std::string utcText(double moment);
+
+}  // namespace sonavault::testing

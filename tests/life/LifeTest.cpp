@@ -1,0 +1,261 @@
+// A station's life: everything that befalls a recorder in years, in minutes, and an account of
+// every second of it.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <iostream>
+#include <set>
+
+#include "life/LifeCalendar.h"
+#include "life/LifeFaults.h"
+#include "platform/LocalTime.h"
+#include "platform/Mp3Header.h"
+#include "store/RecordingManifest.h"
+
+namespace sonavault::testing {
+namespace {
+
+using Faults = std::vector<LifeFault>;
+
+// Enough for what a program takes on in its first minute, and far less than a leak of a buffer or a
+// row would come to.
+// What a sanitizer keeps of its own comes on top.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr long kMostGrowthKilobytes = 160 * 1024;
+#else
+constexpr long kMostGrowthKilobytes = 16 * 1024;
+#endif
+constexpr int kMostMoreDescriptors = 3;
+
+// More than this of a life can't be left untold, or it proves nothing.
+constexpr double kMostExcused = 0.1;
+
+unsigned chosenSeed() {
+    if (const char* chosen = std::getenv("SONAVAULT_LIFE_SEED"))
+        return static_cast<unsigned>(std::strtoul(chosen, nullptr, 10));
+    return std::random_device{}();
+}
+
+double chosenMinutes() {
+    const char* chosen = std::getenv("SONAVAULT_LIFE_MINUTES");
+    return chosen ? std::strtod(chosen, nullptr) : 5;
+}
+
+class StationLife : public ::testing::Test {
+  protected:
+    void begin(unsigned seed) {
+        std::cout << "SONAVAULT_LIFE_SEED=" << seed << std::endl;
+        const char* zone = seed % 2 == 0 ? "Europe/Berlin" : "America/New_York";
+        station_ = std::make_unique<LivingStation>(seed, zone);
+        station_->startHub();
+        station_->startAutomation();
+    }
+
+    /// What befalls the station around each of the five moments of a round: the recorder is killed
+    /// around the first three, and lives through the others.
+    std::vector<std::pair<Faults, Faults>> plan() {
+        Faults deadly{kKill, kKill, kKill, kKill, kKill, kDrop, kDrop, kSenderDies, kMarkerDrop};
+        Faults lasting{kDrop, kSenderDies, kStall, kStall, kHubDies, kFullDisk, kMarkerDrop, kDrop};
+        Faults clock{kStepAhead, kStepBack, kStepBack, kStepAhead, kStepBack};
+        for (Faults* deck : {&deadly, &lasting, &clock})
+            std::shuffle(deck->begin(), deck->end(), station_->random());
+        std::vector<std::pair<Faults, Faults>> chapters(5);
+        for (std::size_t i = 0; i < chapters.size(); ++i) {
+            Faults& deck = i < 3 ? deadly : lasting;
+            const std::size_t share = i < 3 ? 3 : 4;
+            auto& [before, after] = chapters[i];
+            after = {clock[i], kSleep};
+            for (std::size_t n = 0; n < share; ++n) {
+                (n == 0 ? before : after).push_back(deck.back());
+                deck.pop_back();
+            }
+            std::shuffle(after.begin(), after.end(), station_->random());
+        }
+        return chapters;
+    }
+
+    void suffer(const Faults& faults) {
+        for (const auto& fault : faults) {
+            station_->live(station_->between(2, 3.5));
+            station_->note(fault.name);
+            fault.strike(*station_);
+        }
+    }
+
+    void liveThrough(const BigMoment& moment, const std::pair<Faults, Faults>& faults) {
+        constexpr double kLead = 25;
+        station_->note(moment.name);
+        if (station_->isRunning()) {
+            moveToDay(*station_, moment.at - kLead);
+        } else {
+            station_->setClock(moment.at - kLead);
+            station_->launch();
+            station_->settleInNewDay(0);
+        }
+        suffer(faults.first);
+        station_->live(1);
+        if (moment.at - station_->now() > 8) {
+            station_->note("the clock is put shortly before " + moment.name);
+            const auto from = station_->program().lineCount();
+            station_->air().interrupt(station_->now(), 0.05);
+            station_->setClock(moment.at - 6);
+            station_->settle(station_->now(), 0, from);
+        }
+        const auto from = station_->program().lineCount();
+        station_->live(std::max(0.0, moment.at - station_->now()) + 0.4);
+        if (moment.kind == BigMoment::Kind::midnight) {
+            EXPECT_NEAR(station_->followRollover(from) - moment.at, 1.25, 0.25)
+                << "the change of files\n"
+                << station_->journal().last(10);
+        }
+        station_->note("past " + moment.name);
+        station_->live(3);
+        suffer(faults.second);
+    }
+
+    void liveRound(int round) {
+        auto moments = bigMoments(round, station_->random());
+        std::shuffle(moments.begin(), moments.end(), station_->random());
+        const auto faults = plan();
+        for (std::size_t i = 0; i < moments.size(); ++i) {
+            liveThrough(moments[i], faults[i]);
+            if (i == 2) liveOnLineInput(*station_, quietNoon(round));
+        }
+    }
+
+    void report(const std::string& file, const std::vector<std::string>& complaints) {
+        std::string all;
+        for (std::size_t i = 0; i < complaints.size() && i < 20; ++i) all += complaints[i] + "\n";
+        if (!complaints.empty())
+            ADD_FAILURE() << file << ": " << complaints.size() << " complaints\n"
+                          << all << "the journal of that day:\n"
+                          << journalOf(file) << "what the recorder said: " << station_->logFile();
+    }
+
+    std::string journalOf(const std::string& file) {
+        const auto& days = station_->air().days();
+        const auto day = days.find(file.substr(10, 10));
+        if (day == days.end() || day->second.empty()) return station_->journal().last(30);
+        return station_->journal().around(day->second.front().from, day->second.back().to);
+    }
+
+    void checkAir(const std::string& date, const std::vector<AirStretch>& stretches) {
+        const auto base = station_->folder() / ("Sonavault_" + date);
+        const auto name = base.filename().string() + ".mp3";
+        const auto bytes = readFile(base.string() + ".mp3");
+        report(name, complaintsAboutStream(bytes, station_->mostSeams(date)));
+        const auto startedAt = readManifestStartedAt(base.string() + ".json");
+        const auto header =
+            parseMp3Header({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+        ASSERT_TRUE(startedAt && header) << date;
+        const auto manifest = readManifest(base.string() + ".json");
+        EXPECT_EQ(isoDateString(*startedAt), date);
+        EXPECT_NEAR(manifest->startOffsetSec, clockSecondsSinceMidnight(*startedAt), 0.002);
+        const auto evidence = evidenceOf(listenTo(base.string() + ".mp3"),
+                                         secondsSince1970(*startedAt), header->durationSec());
+        report(name, complaintsAboutAir(evidence, stretches));
+        const auto accuracy = accuracyOf(evidence, stretches);
+        stationSeconds_ += evidence.durationSec();
+        secondsFound_ += accuracy.seconds;
+        if (accuracy.seconds > 0) {
+            const bool isFirst = secondsFound_ == accuracy.seconds;
+            earliest_ = isFirst ? accuracy.earliest : std::min(earliest_, accuracy.earliest);
+            latest_ = isFirst ? accuracy.latest : std::max(latest_, accuracy.latest);
+        }
+    }
+
+    void checkLog(const std::string& date) {
+        const auto name = "Sonavault_" + date + ".csv";
+        const std::string log = readFile(station_->folder() / name);
+        std::vector<OwedRow> owed;
+        for (const auto& [day, rows] : station_->rows())
+            for (const OwedRow& row : rows) {
+                if (day != date && row.otherDay != date) continue;
+                const bool isInOther =
+                    !row.otherDay.empty() &&
+                    readFile(logOf(day == date ? row.otherDay : day)).find(row.text) !=
+                        std::string::npos;
+                if (isInOther && log.find(row.text) == std::string::npos) continue;
+                EXPECT_FALSE(isInOther) << row.text << " stands in two days";
+                owed.push_back(row);
+            }
+        markersFound_ += owed.size();
+        report(name, complaintsAboutLog(log, owed));
+    }
+
+    std::filesystem::path logOf(const std::string& date) const {
+        return station_->folder() / ("Sonavault_" + date + ".csv");
+    }
+
+    void checkFolder() {
+        for (const auto& entry : std::filesystem::directory_iterator(station_->folder())) {
+            const auto name = entry.path().filename().string();
+            const auto suffix = entry.path().extension().string();
+            EXPECT_TRUE(station_->air().days().contains(name.substr(10, 10)) &&
+                        std::set<std::string>({".mp3", ".json", ".csv", ".peaks"}).contains(suffix))
+                << name << " is nothing that a day has";
+        }
+    }
+
+    void checkUse() {
+        long growth = 0;
+        double longest = 0;
+        for (const auto& run : station_->runs()) {
+            EXPECT_LE(run.lastDescriptors, run.firstDescriptors + kMostMoreDescriptors);
+            EXPECT_LE(run.lastKilobytes, run.firstKilobytes + kMostGrowthKilobytes)
+                << "in " << run.seconds << " s";
+            growth = std::max(growth, run.lastKilobytes - run.firstKilobytes);
+            longest = std::max(longest, run.seconds);
+        }
+        std::cout << "Most growth of a run: " << growth << " KB; the longest took " << longest
+                  << " s; " << station_->runs().size() << " runs\n";
+    }
+
+    void checkEverything() {
+        for (const auto& [date, stretches] : station_->air().days()) {
+            checkAir(date, stretches);
+            checkLog(date);
+        }
+        checkFolder();
+        checkUse();
+        const double heard = station_->air().heard();
+        EXPECT_LE(station_->air().excused(), kMostExcused * heard)
+            << "the machine was too busy for a life to prove anything";
+        EXPECT_GE(static_cast<double>(secondsFound_), 0.5 * heard);
+        std::cout << station_->air().days().size() << " days, " << stationSeconds_ / 3600
+                  << " hours of files, " << secondsFound_
+                  << " seconds found where they belong, from " << earliest_ * 1000 << " to "
+                  << latest_ * 1000 << " ms off, " << station_->air().excused() << " s excused, "
+                  << markersFound_ << " markers\n";
+    }
+
+    std::unique_ptr<LivingStation> station_;
+    double stationSeconds_ = 0;
+    long long secondsFound_ = 0;
+    std::size_t markersFound_ = 0;
+    double earliest_ = 0;
+    double latest_ = 0;
+};
+
+TEST_F(StationLife, leaves_every_second_of_every_day_accounted_for) {
+    using Clock = std::chrono::steady_clock;
+    const auto begun = Clock::now();
+    const auto minutes = [&] {
+        return std::chrono::duration<double, std::ratio<60>>(Clock::now() - begun).count();
+    };
+    begin(chosenSeed());
+    int rounds = 0;
+    do liveRound(rounds++);
+    while (minutes() * (rounds + 1) / rounds < chosenMinutes());
+    station_->live(1);
+    station_->air().interrupt(station_->now(), 0.45);
+    station_->kill();
+    station_->killAutomation();
+    checkEverything();
+    std::cout << rounds << " rounds, " << minutes() << " minutes\n";
+}
+
+}  // namespace
+}  // namespace sonavault::testing
