@@ -56,10 +56,13 @@ class Day {
     const fs::path& home() const { return home_; }
     fs::path audio() const { return sidecar("mp3"); }
 
-    double secondsOfCat() const { return secondsOfEachFile("cat {} > /dev/null"); }
+    double secondsOfCat() const { return secondsOfShell("cat " + quoted() + " > /dev/null"); }
 
     /// Takes the files out of the file cache; no other file is touched.
-    void drop() const { secondsOfEachFile("sync {}; dd if={} iflag=nocache count=0 status=none"); }
+    void drop() const {
+        secondsOfShell("sync " + quoted() + "; for file in " + quoted() +
+                       "; do dd if=\"$file\" iflag=nocache count=0 status=none; done");
+    }
 
   private:
     fs::path folder() const { return home_ / "Calderwave/Station/Logs/Audio"; }
@@ -88,15 +91,17 @@ class Day {
                              i % 3 ? "An artist – a title" : "A title, \"live\" at the café", 6);
     }
 
-    /// Of a shell's command with the files in the place of "{}".
-    double secondsOfEachFile(const std::string& command) const {
+    /// All of the day's files, for a shell.
+    std::string quoted() const {
         std::string all;
-        for (const auto* suffix : {"mp3", "json", "csv", "peaks"}) {
-            std::string one = command;
-            all += one.replace(one.find("{}"), 2, "'" + sidecar(suffix).string() + "'") + ";";
-        }
-        return secondsOf([&all] {
-            if (std::system(("set -e;" + all).c_str()) != 0) std::abort();
+        for (const auto* suffix : {"mp3", "json", "csv", "peaks"})
+            all += " '" + sidecar(suffix).string() + "'";
+        return all;
+    }
+
+    static double secondsOfShell(const std::string& command) {
+        return secondsOf([&command] {
+            if (std::system(("set -e; " + command).c_str()) != 0) std::abort();
         });
     }
 
