@@ -9,17 +9,28 @@ function(sonavault_library name)
     target_link_libraries(${name} PUBLIC ${ARG_LINK})
 endfunction()
 
-# sonavault_test(name LINK ... [SERIAL]): one GoogleTest program of all the sources in this folder, each of its tests a
-# CTest test. SERIAL keeps tests that use the machine's fixed ports or a sound server from running side by side.
+# A network of its own lets a test have the machine's fixed ports beside others. Not every machine gives one.
+execute_process(COMMAND "${CMAKE_SOURCE_DIR}/tests/support/own_network" true RESULT_VARIABLE ownNetworkRefused
+                OUTPUT_QUIET ERROR_QUIET)
+
+# sonavault_test(name LINK ... [SERIAL] [OWN_NETWORK] [TIMEOUT seconds]): one GoogleTest program of all the sources in
+# this folder, each of its tests a CTest test. SERIAL keeps tests that use the machine's fixed ports or a sound server
+# from running side by side; OWN_NETWORK lets them, where the machine can give them a network.
 function(sonavault_test name)
-    cmake_parse_arguments(ARG "SERIAL" "" "LINK" ${ARGN})
+    cmake_parse_arguments(ARG "SERIAL;OWN_NETWORK" "TIMEOUT" "LINK" ${ARGN})
     file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/*.h")
     add_executable(${name} ${sources})
     target_include_directories(${name} PRIVATE "${CMAKE_SOURCE_DIR}/tests")
     target_link_libraries(${name} PRIVATE ${ARG_LINK} test_support)
-    set(properties TIMEOUT 300)
-    if(ARG_SERIAL)
-        list(APPEND properties RUN_SERIAL TRUE)
+    if(NOT ARG_TIMEOUT)
+        set(ARG_TIMEOUT 300)
+    endif()
+    set(properties TIMEOUT ${ARG_TIMEOUT})
+    if(ARG_OWN_NETWORK AND NOT ownNetworkRefused)
+        set_target_properties(${name} PROPERTIES
+            CROSSCOMPILING_EMULATOR "${CMAKE_SOURCE_DIR}/tests/support/own_network")
+    elseif(ARG_SERIAL OR ARG_OWN_NETWORK)
+        list(APPEND properties RESOURCE_LOCK station)
     endif()
     gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
 endfunction()
