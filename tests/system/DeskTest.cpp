@@ -462,9 +462,9 @@ TEST_F(DeskTest, the_help_opens_once_however_often_it_is_asked_for) {
     };
     clickHelp();
     desk_.desktop.takePicture("help");
-    EXPECT_EQ(desk_.desktop.windowCount(kHelp), 1);
+    EXPECT_TRUE(eventually([&] { return desk_.desktop.windowCount(kHelp) == 1; }));
     clickHelp();
-    EXPECT_EQ(desk_.desktop.windowCount(kHelp), 1);
+    EXPECT_TRUE(eventually([&] { return desk_.desktop.windowCount(kHelp) == 1; }));
     desk_.desktop.press({"alt+F4"});
     desk_.desktop.awaitFront(Desk::kWindow);
     EXPECT_EQ(desk_.desktop.windowCount(kHelp), 0);
