@@ -228,6 +228,7 @@ TEST_F(OnTheHub, one_that_stops_reading_stops_nothing) {
                             return stop || (all.find(R"("ref":"last")") != std::string::npos &&
                                             all.back() == '\n');
                         }));
+        while (!stop) std::this_thread::sleep_for(10ms);
     });
     startRecording();
     for (int i = 0; i < 3; ++i) expectUndisturbedRecording();
@@ -293,13 +294,13 @@ std::vector<std::string> rowsOf(const std::string& log) {
 }
 
 TEST_F(OnTheHub, playback_events_without_end_become_whole_rows_and_cost_no_air) {
-    std::atomic<int> next = 0;
+    int next = 0;  // only on the hub's thread
     const ShoutingHub hub(socketPath(), 5, [&](int connection, const std::atomic<bool>& stop) {
         const auto until = std::chrono::steady_clock::now() + 10s;
         while (std::chrono::steady_clock::now() < until) {
             std::string events;
-            for (int i = 0; i < 100; ++i)
-                events += playbackEvent(next % 2 ? "playing" : "paused", std::to_string(next++));
+            for (const int end = next + 100; next < end; ++next)
+                events += playbackEvent(next % 2 ? "playing" : "paused", std::to_string(next));
             if (!sayAll(connection, events, stop)) return;
         }
         while (!stop) std::this_thread::sleep_for(10ms);
