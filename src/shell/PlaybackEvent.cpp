@@ -19,7 +19,9 @@ constexpr std::size_t kWholeSecondsLength = 19;  // "2026-05-08T14:03:07"
 std::optional<std::string> textOf(const QJsonObject& payload, const char* key) {
     const QJsonValue value = payload.value(QLatin1String(key));
     if (!value.isString()) return std::nullopt;
-    return value.toString().toStdString();
+    // No more than is shown of it; one further, so that half a character at the end is cut off too.
+    constexpr auto kMost = static_cast<qsizetype>(kMostBytesOfForeignText) + 1;
+    return value.toString().left(kMost).toStdString();
 }
 
 std::optional<std::string> secondsOf(const QJsonObject& payload, const char* key) {

@@ -6,7 +6,8 @@
 
 namespace sonavault {
 
-/// What the automation said of its playback: that it fell silent, was paused, plays again.
+/// What the automation said of its playback: that it fell silent, was paused, plays again. Of a
+/// text that is longer than what is shown of it, only the beginning is kept.
 struct PlaybackEvent {
     std::string state;
     std::string cause;              ///< free text, may be empty
