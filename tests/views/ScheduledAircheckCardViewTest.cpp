@@ -291,7 +291,26 @@ TEST_F(ScheduledAircheckCardViewTest, is_white_with_a_grey_border_and_round_corn
     EXPECT_LT(seen.pixelColor(0, 0).alpha(), 40);
 }
 
+TEST_F(ScheduledAircheckCardViewTest, shows_in_blue_what_is_chosen) {
+    const auto groundOf = [](QWidget* mark) {
+        return mark->grab().toImage().pixelColor(6, mark->height() / 2 - 5);
+    };
+    EXPECT_EQ(groundOf(view_.dayChecks[0]), QColor(0, 112, 245));
+    EXPECT_EQ(groundOf(view_.dayChecks[1]), QColor(Qt::white));
+    EXPECT_EQ(groundOf(view_.liveRadio), QColor(0, 112, 245));
+}
+
+TEST_F(ScheduledAircheckCardViewTest, the_buttons_darken_while_they_are_pressed) {
+    const auto ground = [this] { return view_.addBtn->grab().toImage().pixelColor(8, 8); };
+    const QColor before = ground();
+    QTest::mousePress(view_.addBtn, Qt::LeftButton);
+    EXPECT_LT(ground().lightness(), before.lightness());
+    QTest::mouseRelease(view_.addBtn, Qt::LeftButton, {}, QPoint(-20, 0));
+    EXPECT_THAT(changes_, IsEmpty());
+}
+
 TEST_F(ScheduledAircheckCardViewTest, rings_the_control_that_the_keyboard_is_at) {
+    view_.setAttribute(Qt::WA_KeyboardFocusChange);  // as the Tab key does
     const auto ringed = [](QWidget* control) {
         control->clearFocus();
         const QImage before = control->grab().toImage();
