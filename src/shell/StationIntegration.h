@@ -12,6 +12,7 @@
 #include "platform/Log.h"
 #include "platform/MainTimer.h"
 #include "platform/Preferences.h"
+#include "platform/Throttle.h"
 #include "recorder/SVRecorder.h"
 #include "shell/PlaybackEvent.h"
 #include "shell/RecordingTransition.h"
@@ -85,7 +86,7 @@ class StationIntegration {
     const Facts facts_;
     RecordingTransitions transitions_;
     bool switchboardConnectStarted_ = false;
-    double lastSwitchboardCurrentRecPub_ = 0;  // seconds since 1970
+    Throttle lastSwitchboardCurrentRecPub_{kSwitchboardCurrentRecordingIntervalSec};
     std::unique_ptr<MainTimer> switchboardHeartbeatTimer_;
     Lifetime lifetime_;
 };
