@@ -9,6 +9,7 @@
 #include <QWheelEvent>
 
 #include "views/AirchecksFixture.h"
+#include "views/ViewProbe.h"
 
 namespace sonavault::testing {
 namespace {
@@ -39,8 +40,8 @@ TEST_F(AirchecksTabViewTest, stacks_the_stored_cards_from_the_top) {
 TEST_F(AirchecksTabViewTest, lays_out_its_head_and_gives_the_rest_to_the_cards) {
     auto& tab = open({1100, 428});
     EXPECT_EQ(tab.airchecksScrollView().geometry(), QRect(12, 80, 1076, 348));
-    const auto labels = tab.findChildren<TextView*>(Qt::FindDirectChildrenOnly);
-    ASSERT_EQ(labels.size(), 2);
+    const auto labels = allOf<TextView>(tab, Qt::FindDirectChildrenOnly);
+    ASSERT_EQ(labels.size(), 2u);
     EXPECT_EQ(labels[0]->text(), "Scheduled Airchecks");
     EXPECT_EQ(labels[0]->geometry(), QRect(16, 12, 400, 32));
     EXPECT_EQ(labels[1]->text(),
