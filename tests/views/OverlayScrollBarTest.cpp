@@ -48,10 +48,10 @@ class OverlayScrollBarTest : public ::testing::TestWithParam<Qt::Orientation> {
         return isVertical() ? QPoint(200 - across, along) : QPoint(along, 200 - across);
     }
 
-    QScrollArea area_;
-    QWidget* content_ = new QWidget;
     ManualClock clock_{WallTime{}};
     ManualTimers timers_{clock_};
+    QScrollArea area_;
+    QWidget* content_ = new QWidget;
     OverlayScrollBar& thumb_ = *new OverlayScrollBar(area_, GetParam(), timers_.make());
 };
 
