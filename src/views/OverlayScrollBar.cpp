@@ -43,7 +43,9 @@ OverlayScrollBar::OverlayScrollBar(QAbstractScrollArea& area, Qt::Orientation or
 }
 
 bool OverlayScrollBar::eventFilter(QObject* watched, QEvent* event) {
-    if (watched != area_.viewport()) return false;
+    // What is left of an area that is being taken apart has no scroll bars any more.
+    const bool isWhole = qobject_cast<QAbstractScrollArea*>(parentWidget()->parentWidget());
+    if (watched != parentWidget() || !isWhole) return false;
     switch (event->type()) {
         case QEvent::HoverEnter:
         case QEvent::HoverMove:
