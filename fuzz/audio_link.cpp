@@ -1,28 +1,23 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
-#include <cstdlib>
 #include <vector>
 
+#include "SenderInput.h"
 #include "links/AudioStream.h"
+#include "links/HeardStream.h"
 
+namespace sonavault::testing {
 namespace {
-
-using sonavault::AudioStream;
-using Bytes = std::vector<std::uint8_t>;
 
 /// What a stream came to, with samples as bits, for a damaged sample may be no number.
 struct Heard {
-    std::vector<sonavault::HandshakeResult> agreed;
+    std::vector<HandshakeResult> agreed;
     std::vector<Bytes> refused;
     std::vector<std::uint32_t> words;
 
     bool operator==(const Heard&) const = default;
 };
-
-void require(bool condition) {
-    if (!condition) std::abort();
-}
 
 void takeAll(AudioStream& stream, Heard& heard) {
     for (;;) {
@@ -32,7 +27,7 @@ void takeAll(AudioStream& stream, Heard& heard) {
             heard.agreed.push_back(agreed->handshake);
         if (const auto* refused = std::get_if<AudioStream::Refused>(&step))
             heard.refused.emplace_back(refused->bytes.begin(), refused->bytes.end());
-        if (const auto* buffer = std::get_if<sonavault::AudioBufferView>(&step)) {
+        if (const auto* buffer = std::get_if<AudioBufferView>(&step)) {
             require(heard.agreed.size() == 1 && buffer->frames > 0);
             require(buffer->format == heard.agreed[0].format);
             const auto words = static_cast<std::size_t>(buffer->frames * buffer->format.channels);
@@ -42,67 +37,53 @@ void takeAll(AudioStream& stream, Heard& heard) {
     }
 }
 
-/// Hears `bytes` in pieces whose sizes `splits` gives, over and over; in one piece without any.
+/// Hears `bytes` in pieces as splitInto() gives them.
 Heard hear(const Bytes& bytes, const Bytes& splits) {
-    AudioStream stream;
-    Heard heard;
-    std::size_t at = 0;
-    for (std::size_t piece = 0; at < bytes.size(); ++piece) {
-        std::size_t size = bytes.size() - at;
-        if (!splits.empty()) size = std::min<std::size_t>(size, splits[piece % splits.size()] + 1U);
-        stream.append({bytes.data() + at, size});
+    return hearPieces<AudioStream, Heard>(splitInto(bytes, splits), [](auto& stream, Heard& heard) {
         takeAll(stream, heard);
-        at += size;
         require(stream.pendingByteCount() < 32);
-    }
-    return heard;
+    });
 }
 
-std::uint32_t wordAt(const Bytes& bytes, std::size_t at, bool bigEndian) {
-    std::uint32_t word = 0;
-    for (std::size_t i = 0; i < 4; ++i)
-        word |= static_cast<std::uint32_t>(bytes[at + i]) << (bigEndian ? 24 - 8 * i : 8 * i);
-    return word;
-}
-
-bool makesSense(const Bytes& bytes, bool bigEndian) {
-    const std::uint32_t rate = wordAt(bytes, 0, bigEndian);
-    const std::uint32_t channels = wordAt(bytes, 4, bigEndian);
+bool makesSense(const Bytes& bytes, Order order) {
+    const std::uint32_t rate = wordAt(bytes, 0, order);
+    const std::uint32_t channels = wordAt(bytes, 4, order);
     return rate >= 8000 && rate <= 192000 && channels >= 1 && channels <= 8 &&
-           wordAt(bytes, 8, bigEndian) == 32;
+           wordAt(bytes, 8, order) == 32;
 }
 
 /// What the bytes mean, worked out in the plainest way.
 Heard expected(const Bytes& bytes) {
     Heard heard;
     if (bytes.size() < 12) return heard;
-    const bool little = makesSense(bytes, false);
-    if (!little && !makesSense(bytes, true)) {
+    const bool little = makesSense(bytes, Order::little);
+    if (!little && !makesSense(bytes, Order::big)) {
         heard.refused.emplace_back(bytes.begin(), bytes.begin() + 12);
         return heard;
     }
-    const std::uint32_t channels = wordAt(bytes, 4, !little);
-    const auto rate = static_cast<double>(wordAt(bytes, 0, !little));
+    const Order order = little ? Order::little : Order::big;
+    const std::uint32_t channels = wordAt(bytes, 4, order);
+    const auto rate = static_cast<double>(wordAt(bytes, 0, order));
     heard.agreed.push_back({{rate, static_cast<int>(channels), true}, !little});
     const std::size_t words = (bytes.size() - 12) / (channels * 4) * channels;
-    for (std::size_t i = 0; i < words; ++i)
-        heard.words.push_back(wordAt(bytes, 12 + 4 * i, !little));
+    for (std::size_t i = 0; i < words; ++i) heard.words.push_back(wordAt(bytes, 12 + 4 * i, order));
     return heard;
 }
 
 }  // namespace
+}  // namespace sonavault::testing
 
-/// The first byte says how many bytes of split sizes follow; the rest is what a sender sends.
+/// Takes a SenderInput.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace sonavault::testing;
     if (size == 0) return 0;
-    const std::size_t splitCount = std::min<std::size_t>(data[0], size - 1);
-    const Bytes splits(data + 1, data + 1 + splitCount);
-    const Bytes bytes(data + 1 + splitCount, data + size);
+    const SenderInput input(data, size);
+    const Bytes& bytes = input.bytes;
     const Heard meant = expected(bytes);
     const Bytes twelve(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(
                                                           std::min<std::size_t>(12, bytes.size())));
     require(sonavault::parseHandshake(twelve).has_value() == !meant.agreed.empty());
-    require(hear(bytes, splits) == meant);
+    require(hear(bytes, input.splits) == meant);
     require(hear(bytes, {0}) == meant);
     // In one piece the stream may hold everything until it is taken, but no more afterwards.
     require(hear(bytes, {}) == meant);

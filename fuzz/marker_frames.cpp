@@ -1,17 +1,15 @@
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
+#include "SenderInput.h"
+#include "links/HeardStream.h"
 #include "links/MarkerStream.h"
 #include "links/MarkerWire.h"
 
+namespace sonavault::testing {
 namespace {
-
-using sonavault::LengthEndian;
-using sonavault::MarkerStream;
-using Bytes = std::vector<std::uint8_t>;
 
 /// What a stream came to.
 struct Heard {
@@ -21,10 +19,6 @@ struct Heard {
 
     bool operator==(const Heard&) const = default;
 };
-
-void require(bool condition) {
-    if (!condition) std::abort();
-}
 
 void takeAll(MarkerStream& stream, Heard& heard) {
     for (;;) {
@@ -44,27 +38,13 @@ void takeAll(MarkerStream& stream, Heard& heard) {
     }
 }
 
-/// Hears `bytes` in pieces whose sizes `splits` gives, over and over; in one piece without any.
+/// Hears `bytes` in pieces as splitInto() gives them.
 Heard hear(const Bytes& bytes, const Bytes& splits) {
-    MarkerStream stream;
-    Heard heard;
-    std::size_t at = 0;
-    for (std::size_t piece = 0; at < bytes.size(); ++piece) {
-        std::size_t size = bytes.size() - at;
-        if (!splits.empty()) size = std::min<std::size_t>(size, splits[piece % splits.size()] + 1U);
-        stream.append({bytes.data() + at, size});
-        takeAll(stream, heard);
-        at += size;
-        require(stream.pendingByteCount() < 4 + sonavault::kMaxPayloadBytes);
-    }
-    return heard;
-}
-
-std::uint32_t wordAt(const Bytes& bytes, std::size_t at, bool bigEndian) {
-    std::uint32_t word = 0;
-    for (std::size_t i = 0; i < 4; ++i)
-        word |= static_cast<std::uint32_t>(bytes[at + i]) << (bigEndian ? 24 - 8 * i : 8 * i);
-    return word;
+    return hearPieces<MarkerStream, Heard>(
+        splitInto(bytes, splits), [](auto& stream, Heard& heard) {
+            takeAll(stream, heard);
+            require(stream.pendingByteCount() < 4 + kMaxPayloadBytes);
+        });
 }
 
 bool isLength(std::uint32_t word) {
@@ -75,14 +55,15 @@ bool isLength(std::uint32_t word) {
 Heard expected(const Bytes& bytes) {
     Heard heard;
     if (bytes.size() < 4) return heard;
-    const bool big = !isLength(wordAt(bytes, 0, false));
-    if (big && !isLength(wordAt(bytes, 0, true))) {
-        heard.refusedPrefix = {wordAt(bytes, 0, false), wordAt(bytes, 0, true)};
+    const bool big = !isLength(wordAt(bytes, 0, Order::little));
+    if (big && !isLength(wordAt(bytes, 0, Order::big))) {
+        heard.refusedPrefix = {wordAt(bytes, 0, Order::little), wordAt(bytes, 0, Order::big)};
         return heard;
     }
+    const Order order = big ? Order::big : Order::little;
     heard.order = big ? LengthEndian::big : LengthEndian::little;
     for (std::size_t at = 0; at + 4 <= bytes.size();) {
-        const std::uint32_t length = wordAt(bytes, at, big);
+        const std::uint32_t length = wordAt(bytes, at, order);
         if (length > 65536) {
             heard.refusedPrefix = {length};
             break;
@@ -96,21 +77,21 @@ Heard expected(const Bytes& bytes) {
 }
 
 void decode(const Bytes& payload) {
-    const auto marker = sonavault::decodeMarkerWire(payload);
+    const auto marker = decodeMarkerWire(payload);
     require(marker || !marker.error().empty());
 }
 
 }  // namespace
+}  // namespace sonavault::testing
 
-/// The first byte says how many bytes of split sizes follow; the rest is what a sender sends. Each
-/// payload is decoded, and so is the whole as if it were one.
+/// Takes a SenderInput. Each payload is decoded, and so is the whole as if it were one.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace sonavault::testing;
     if (size == 0) return 0;
-    const std::size_t splitCount = std::min<std::size_t>(data[0], size - 1);
-    const Bytes splits(data + 1, data + 1 + splitCount);
-    const Bytes bytes(data + 1 + splitCount, data + size);
+    const SenderInput input(data, size);
+    const Bytes& bytes = input.bytes;
     const Heard meant = expected(bytes);
-    require(hear(bytes, splits) == meant);
+    require(hear(bytes, input.splits) == meant);
     require(hear(bytes, {0}) == meant);
     require(hear(bytes, {}) == meant);
     for (const Bytes& payload : meant.payloads) decode(payload);

@@ -16,10 +16,8 @@ void AircheckSchedule::saveScheduledAirchecks() {
 }
 
 void AircheckSchedule::tickDisplay() {
-    const double now = secondsSince1970(services_.clock.now());
-    if (now - lastAirchecksSchedulerCheck_ <= kAirchecksCheckIntervalSec) return;
-    lastAirchecksSchedulerCheck_ = now;
-    airchecksSchedulerTick();
+    if (lastAirchecksSchedulerCheck_.takeTurn(secondsSince1970(services_.clock.now())))
+        airchecksSchedulerTick();
 }
 
 void AircheckSchedule::airchecksSchedulerTick() {

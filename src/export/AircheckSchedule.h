@@ -10,6 +10,7 @@
 #include "export/ScheduledAircheckCard.h"
 #include "platform/Clock.h"
 #include "platform/Preferences.h"
+#include "platform/Throttle.h"
 #include "store/StationFolder.h"
 
 namespace sonavault {
@@ -73,7 +74,7 @@ class AircheckSchedule {
 
     const AircheckScheduleServices services_;
     std::vector<ScheduledAircheckCard> scheduledAirchecks_;
-    double lastAirchecksSchedulerCheck_ = 0;  // Units: seconds since 1970
+    Throttle lastAirchecksSchedulerCheck_{kAirchecksCheckIntervalSec};
     Lifetime lifetime_;
 };
 

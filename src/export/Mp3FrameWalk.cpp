@@ -29,21 +29,6 @@ const std::uint32_t kPaddingMask = [] {
     return wordAt(kBits);
 }();
 
-/// The first place in [from, to) where a Layer III header may begin, judged by the sync and the
-/// layer alone; else `to`. The byte behind each place in the range can be read.
-const std::uint8_t* findSync(const std::uint8_t* from, const std::uint8_t* to) {
-    for (; from < to; ++from) {
-        // In a stretch of 0xFF bytes a search for the next one would only cost its call.
-        if (*from != 0xFF) {
-            const void* const found = std::memchr(from, 0xFF, static_cast<std::size_t>(to - from));
-            if (!found) return to;
-            from = static_cast<const std::uint8_t*>(found);
-        }
-        if ((from[1] & 0xE6U) == 0xE2U) return from;
-    }
-    return to;
-}
-
 }  // namespace
 
 std::optional<MP3FrameInfo> parseMP3FrameAt(std::span<const std::uint8_t> file,
@@ -102,7 +87,7 @@ bool Mp3FrameWalk::walkOn(std::int64_t bytes) {
         // The last place of all has no byte behind it, and no header either.
         const auto last = std::min(stop, static_cast<std::int64_t>(file_.size()) - 1);
         const auto next = std::min(at_ + 1, last);
-        at_ = findSync(file_.data() + next, file_.data() + last) - file_.data();
+        at_ = findMp3Sync(file_.data() + next, file_.data() + last) - file_.data();
         if (at_ == last) at_ = stop;
     }
     amongJunk_ = time_ == timeBefore;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <bitset>
-#include <cstring>
 
 #include "platform/M4aDecoder.h"
 #include "platform/MappedFile.h"
@@ -23,21 +22,6 @@ constexpr std::uint32_t kPaddingBit = 0x00000200U;
 std::uint32_t wordAt(const std::uint8_t* bytes) {
     return std::uint32_t{bytes[0]} << 24U | std::uint32_t{bytes[1]} << 16U |
            std::uint32_t{bytes[2]} << 8U | std::uint32_t{bytes[3]};
-}
-
-/// The first place in [from, to) where a Layer III header may begin, judged by the sync and the
-/// layer alone; else `to`. The byte behind each place in the range can be read.
-const std::uint8_t* findSync(const std::uint8_t* from, const std::uint8_t* to) {
-    for (; from < to; ++from) {
-        // In a stretch of 0xFF bytes a search for the next one would only cost its call.
-        if (*from != 0xFF) {
-            const void* const found = std::memchr(from, 0xFF, static_cast<std::size_t>(to - from));
-            if (!found) return to;
-            from = static_cast<const std::uint8_t*>(found);
-        }
-        if ((from[1] & 0xE6U) == 0xE2U) return from;
-    }
-    return to;
 }
 
 }  // namespace
@@ -148,7 +132,7 @@ bool Mp3Walk::isTrueFrame(std::int64_t at) const {
 std::int64_t Mp3Walk::findTrueFrame(std::int64_t from) const {
     const std::int64_t to = std::min(firstFrameBy_, end_ - kHeaderBytes + 1);
     for (std::int64_t place = from; place < to; ++place) {
-        place = findSync(data_ + place, data_ + to) - data_;
+        place = findMp3Sync(data_ + place, data_ + to) - data_;
         if (place < to && isTrueFrame(place)) return place;
     }
     return end_;
@@ -162,7 +146,7 @@ std::int64_t Mp3Walk::findChain(std::int64_t from, std::int64_t to) const {
     std::bitset<static_cast<std::size_t>(kMp3MaxFrameBytes) * 2> tried;
     const auto index = [from](std::int64_t at) { return static_cast<std::size_t>(at - from); };
     for (std::int64_t place = from; place < to; ++place) {
-        place = findSync(data_ + place, data_ + to) - data_;
+        place = findMp3Sync(data_ + place, data_ + to) - data_;
         std::int64_t link = place;
         while (link < to && kindAt(link) == kind && !tried[index(link)]) {
             tried.set(index(link));

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <span>
 
@@ -37,5 +38,20 @@ std::int64_t mp3DataStart(std::span<const std::uint8_t> file);
 
 /// Where the audio ends: before an ID3v1 tag when the file closes with one, else at the file's end.
 std::int64_t mp3DataEnd(std::span<const std::uint8_t> file);
+
+/// The first place in [from, to) where a Layer III header may begin, judged by the sync and the
+/// layer alone; else `to`. The byte behind each place in the range can be read.
+inline const std::uint8_t* findMp3Sync(const std::uint8_t* from, const std::uint8_t* to) {
+    for (; from < to; ++from) {
+        // In a stretch of 0xFF bytes a search for the next one would only cost its call.
+        if (*from != 0xFF) {
+            const void* const found = std::memchr(from, 0xFF, static_cast<std::size_t>(to - from));
+            if (!found) return to;
+            from = static_cast<const std::uint8_t*>(found);
+        }
+        if ((from[1] & 0xE6U) == 0xE2U) return from;
+    }
+    return to;
+}
 
 }  // namespace sonavault

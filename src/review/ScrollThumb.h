@@ -19,7 +19,7 @@ struct ScrollThumb {
 };
 
 /// A thumb stays long enough to be caught, however long the content is. Units: points
-inline constexpr double kLeastThumbLength = 28;
+inline constexpr double kLeastThumbLength = 36;
 
 /// Where the thumb stands on a track of that length; nothing when all of the content is seen.
 std::optional<ScrollThumb> scrollThumb(const ScrollRange& range, double track);

@@ -97,11 +97,7 @@ void StationIntegration::publishCurrentRecordingState() {
 }
 
 void StationIntegration::publishCurrentRecordingStateIfDue(double now) {
-    const double since = now - lastSwitchboardCurrentRecPub_;
-    // A clock that was set back must not keep the others waiting until it has caught up.
-    if (since >= 0 && since <= kSwitchboardCurrentRecordingIntervalSec) return;
-    lastSwitchboardCurrentRecPub_ = now;
-    publishCurrentRecordingState();
+    if (lastSwitchboardCurrentRecPub_.takeTurn(now)) publishCurrentRecordingState();
 }
 
 void StationIntegration::detectAndPublishRecordingStateTransition() {

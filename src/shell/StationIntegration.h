@@ -12,6 +12,7 @@
 #include "platform/Log.h"
 #include "platform/MainTimer.h"
 #include "platform/Preferences.h"
+#include "platform/Throttle.h"
 #include "recorder/SVRecorder.h"
 #include "shell/PlaybackEvent.h"
 #include "shell/RecordingTransition.h"
@@ -86,8 +87,8 @@ class StationIntegration {
     const Facts facts_;
     RecordingTransitions transitions_;
     bool switchboardConnectStarted_ = false;
-    WallTime nextBeat_;                        // as planned
-    double lastSwitchboardCurrentRecPub_ = 0;  // seconds since 1970
+    WallTime nextBeat_;  // as planned
+    Throttle lastSwitchboardCurrentRecPub_{kSwitchboardCurrentRecordingIntervalSec};
     std::unique_ptr<MainTimer> switchboardHeartbeatTimer_;
     Lifetime lifetime_;
 };

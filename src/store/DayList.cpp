@@ -136,12 +136,7 @@ std::string DayList::liveDurationLabel(const std::string& date) {
 // Today's row
 
 void DayList::liveRefreshTodayRowIfDue(double now) {
-    // A clock that was set back must not hold the row up until it has caught up.
-    const bool isDue =
-        now - lastLiveRowRefresh_ > kLiveRowRefreshIntervalSec || now < lastLiveRowRefresh_;
-    if (!isDue) return;
-    lastLiveRowRefresh_ = now;
-    liveRefreshTodayRow();
+    if (lastLiveRowRefresh_.takeTurn(now)) liveRefreshTodayRow();
 }
 
 void DayList::liveRefreshTodayRow() {

@@ -8,6 +8,7 @@
 
 #include "platform/Clock.h"
 #include "platform/Log.h"
+#include "platform/Throttle.h"
 #include "store/AudioLengthCache.h"
 #include "store/DayListHost.h"
 #include "store/RecordingModel.h"
@@ -87,7 +88,7 @@ class DayList {
 
     std::vector<DailyRecording> dailyRecordings_;
     std::string selectedDate_ = "2026-05-08";
-    double lastLiveRowRefresh_ = 0;  // seconds since 1970
+    Throttle lastLiveRowRefresh_{kLiveRowRefreshIntervalSec};
     /// Today's file, when it could not be put under review yet: still empty when the list met it.
     std::optional<std::filesystem::path> owedLoad_;
 };

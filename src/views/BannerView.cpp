@@ -4,10 +4,10 @@
 
 #include "review/WindowLayout.h"
 #include "store/Version.h"
-#include "views/DevicePixels.h"
+#include "views/FlatButton.h"
 #include "views/Hints.h"
 #include "views/Painting.h"
-#include "views/PlainButton.h"
+#include "views/PixelGrid.h"
 #include "views/Theme.h"
 
 namespace sonavault {
@@ -15,34 +15,6 @@ namespace {
 
 constexpr QColor kColorBannerBG{235, 235, 239};
 constexpr QColor kColorBannerStroke = kColorPanelStroke;
-
-constexpr double kCorner = 6;
-
-class HelpButton final : public PlainButton {
-  public:
-    explicit HelpButton(QWidget* parent) : PlainButton(QStringLiteral("Help"), parent) {
-        setText(QStringLiteral("?"));
-        setFont(interfaceFont(13));
-    }
-
-  protected:
-    void paintEvent(QPaintEvent*) override {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(whiteLevel(0.74), hairline(painter)));
-        painter.setBrush(ground());
-        painter.drawRoundedRect(outlineInside(painter, rect()), kCorner, kCorner);
-        paintFocus(painter, kCorner - 2, whiteLevel(0.45));
-        painter.setPen(kColorTitle);
-        painter.drawText(rect(), Qt::AlignCenter, text());
-    }
-
-  private:
-    QColor ground() const {
-        if (isDown()) return whiteLevel(0.84);
-        return isHovered() ? whiteLevel(0.97) : QColor(Qt::white);
-    }
-};
 
 }  // namespace
 
@@ -53,11 +25,12 @@ BannerView::BannerView(QWidget* parent)
                           this)),
       slogan_(new TextView(QStringLiteral("Your Station's Air Archive"),
                            interfaceFont(16, QFont::Medium), kColorSlogan, this)),
-      helpButton_(new HelpButton(this)) {
+      helpButton_(new FlatButton(QStringLiteral("?"), interfaceFont(13), this)) {
     setSvHint(*logo_, QStringLiteral("Sonavault — your station's 24-hour air archive."));
     setSvHint(*title_, QStringLiteral("Sonavault %1 — Calderwave Systems.").arg(kSonavaultVersion));
     setSvHint(*slogan_, QStringLiteral("Sonavault records your on-air signal 24 hours a day."));
     setSvHint(*helpButton_, QStringLiteral("Open the Sonavault help page in your browser."));
+    helpButton_->setAccessibleName(QStringLiteral("Help"));
     helpButton_->setObjectName(QStringLiteral("helpButton"));
     QObject::connect(helpButton_, &QAbstractButton::clicked, this, [this] {
         if (onHelpClicked) onHelpClicked();
@@ -68,7 +41,7 @@ void BannerView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.fillRect(rect(), kColorBannerBG);
     const QRectF stroke = toQRectF(layOutBanner(width()).stroke);
-    painter.fillRect(onDevicePixels(painter, stroke), kColorBannerStroke);
+    painter.fillRect(PixelGrid(painter).snapped(stroke), kColorBannerStroke);
 }
 
 void BannerView::resizeEvent(QResizeEvent*) {

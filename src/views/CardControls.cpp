@@ -5,7 +5,9 @@
 #include <QWheelEvent>
 #include <cmath>
 
+#include "views/ButtonLook.h"
 #include "views/ControlColours.h"
+#include "views/PixelGrid.h"
 
 namespace sonavault {
 namespace {
@@ -14,11 +16,6 @@ constexpr double kMarkSize = 18;
 constexpr double kMarkInset = 3;  // leaves room for the ring
 constexpr int kTextGap = 7;
 constexpr double kFieldRadius = 6;
-
-// Between whole pixels, so that a line one pixel wide fills one.
-QRectF strokeRect(const QRectF& box) {
-    return box.adjusted(0.5, 0.5, -0.5, -0.5);
-}
 
 QRectF markRect(const QWidget& control) {
     const double top = std::floor((control.height() - kMarkSize) / 2);
@@ -31,14 +28,19 @@ void drawRing(QPainter& painter, const QRectF& around, double radius) {
     painter.drawRoundedRect(around, radius, radius);
 }
 
+// In the brush that is set.
+void drawOutlined(QPainter& painter, const QRectF& box, double radius, const QColor& stroke) {
+    painter.setPen(QPen(stroke, PixelGrid(painter).hairline()));
+    painter.drawRoundedRect(PixelGrid(painter).outline(box), radius, radius);
+}
+
 // The ground of a check mark: a box, or a disc with a radius of half the size.
 void drawMarkGround(QPainter& painter, const QAbstractButton& button, double radius) {
     const QRectF box = markRect(button);
-    if (button.hasFocus()) drawRing(painter, box.adjusted(-1, -1, 1, 1), radius + 1);
+    if (showsFocus(button)) drawRing(painter, box.adjusted(-1, -1, 1, 1), radius + 1);
     const QColor face = button.isDown() ? kColorControlPressed : kColorControlFace;
     painter.setBrush(button.isChecked() ? kColorAccent : face);
-    painter.setPen(QPen(button.isChecked() ? kColorAccent : kColorControlStroke, 1));
-    painter.drawRoundedRect(strokeRect(box), radius, radius);
+    drawOutlined(painter, box, radius, button.isChecked() ? kColorAccent : kColorControlStroke);
 }
 
 void drawTitle(QPainter& painter, const QAbstractButton& button) {
@@ -70,12 +72,12 @@ void drawArrows(QPainter& painter, QPointF centre) {
     }
 }
 
-void drawFace(QPainter& painter, const QWidget& control, bool pressed) {
+void drawFace(QPainter& painter, const QWidget& control) {
     const QRectF box(control.rect());
-    painter.setBrush(pressed ? kColorControlPressed : kColorControlFace);
-    painter.setPen(QPen(kColorControlStroke, 1));
-    painter.drawRoundedRect(strokeRect(box), kFieldRadius, kFieldRadius);
-    if (control.hasFocus()) drawRing(painter, box.adjusted(1.5, 1.5, -1.5, -1.5), kFieldRadius - 1);
+    painter.setBrush(kColorControlFace);
+    drawOutlined(painter, box, kFieldRadius, kColorControlStroke);
+    if (showsFocus(control))
+        drawRing(painter, box.adjusted(1.5, 1.5, -1.5, -1.5), kFieldRadius - 1);
 }
 
 void prepare(QAbstractButton& button, const QFont& font) {
@@ -143,7 +145,7 @@ CardPopUp::CardPopUp(const QStringList& items, const QFont& font, QWidget* paren
 void CardPopUp::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    drawFace(painter, *this, false);
+    drawFace(painter, *this);
     painter.setPen(kColorLabel);
     painter.setFont(font());
     painter.drawText(rect().adjusted(12, 0, -28, 0), Qt::AlignLeft | Qt::AlignVCenter,
@@ -153,20 +155,6 @@ void CardPopUp::paintEvent(QPaintEvent*) {
 
 void CardPopUp::wheelEvent(QWheelEvent* event) {
     event->ignore();
-}
-
-CardButton::CardButton(const QString& text, const QFont& font, QWidget* parent)
-    : QPushButton(text, parent) {
-    prepare(*this, font);
-}
-
-void CardButton::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    drawFace(painter, *this, isDown());
-    painter.setPen(kColorLabel);
-    painter.setFont(font());
-    painter.drawText(rect(), Qt::AlignCenter, text());
 }
 
 CardTextField::CardTextField(const QString& placeholder, const QFont& font, QWidget* parent)

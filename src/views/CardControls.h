@@ -3,14 +3,14 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QRadioButton>
 
 namespace sonavault {
 
-// The controls of a card. They paint themselves, so that they look the same on every desktop. A
-// click never takes the keyboard from whatever has it, the text field's own excepted; who comes by
-// the Tab key sees a ring around the control.
+// The controls of a card, but for its buttons, which are those of the window. They paint
+// themselves, so that they look the same on every desktop. A click never takes the keyboard from
+// whatever has it, the text field's own excepted; who comes by the Tab key sees a ring around the
+// control.
 
 class CardCheckBox final : public QCheckBox {
   public:
@@ -38,14 +38,6 @@ class CardPopUp final : public QComboBox {
   protected:
     void paintEvent(QPaintEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
-};
-
-class CardButton final : public QPushButton {
-  public:
-    CardButton(const QString& text, const QFont& font, QWidget* parent);
-
-  protected:
-    void paintEvent(QPaintEvent* event) override;
 };
 
 class CardTextField final : public QLineEdit {

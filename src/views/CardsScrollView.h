@@ -2,7 +2,7 @@
 
 #include <QScrollArea>
 
-#include "views/SlimScrollBar.h"
+#include "views/WheelPoints.h"
 
 namespace sonavault {
 
@@ -17,8 +17,6 @@ class CardsScrollView final : public QScrollArea {
     /// the top.
     void setCardsHeight(int height);
 
-    SlimScrollBar& bar() { return *bar_; }
-
   protected:
     void resizeEvent(QResizeEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
@@ -27,7 +25,7 @@ class CardsScrollView final : public QScrollArea {
     void fitDocument();
 
     int cardsHeight_ = 0;
-    SlimScrollBar* bar_;
+    WholePoints wheel_;
 };
 
 }  // namespace sonavault

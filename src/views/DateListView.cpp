@@ -2,7 +2,6 @@
 
 #include <QPainter>
 #include <QScrollBar>
-#include <QWheelEvent>
 #include <algorithm>
 
 #include "views/DateListAccessible.h"
@@ -18,8 +17,6 @@ namespace {
 
 constexpr int kWidth = static_cast<int>(kDateListWidth);
 constexpr int kHeaderHeight = static_cast<int>(kDateListHeaderHeight);
-constexpr double kPointsPerNotch = 40;
-constexpr double kAngleOfNotch = 120;
 
 /// The list's heading.
 class HeaderView final : public QWidget {
@@ -148,13 +145,8 @@ void DateListView::resizeEvent(QResizeEvent* event) {
 }
 
 void DateListView::wheelEvent(QWheelEvent* event) {
-    const double points = event->pixelDelta().isNull()
-                              ? event->angleDelta().y() / kAngleOfNotch * kPointsPerNotch
-                              : event->pixelDelta().y();
-    unscrolled_ += points;
-    const int whole = static_cast<int>(unscrolled_);
-    unscrolled_ -= whole;
-    verticalScrollBar()->setValue(verticalScrollBar()->value() - whole);
+    const int points = wheel_.take(wheelPoints(*event).y());
+    verticalScrollBar()->setValue(verticalScrollBar()->value() - points);
     event->accept();
 }
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "store/RecordingModel.h"
+#include "views/WheelPoints.h"
 
 namespace sonavault {
 
@@ -64,7 +65,7 @@ class DateListView final : public QScrollArea {
     QWidget* content_;
     QWidget* rowsBox_;                // all rows; another one with each renderDateList()
     std::vector<DateRowView*> rows_;  // from the top
-    double unscrolled_ = 0;           // what the wheel gave beyond whole points
+    WholePoints wheel_;
 };
 
 }  // namespace sonavault

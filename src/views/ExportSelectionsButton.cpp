@@ -50,17 +50,16 @@ class ButtonShadow final : public QWidget {
 
 QColor ground(const QAbstractButton& button) {
     if (button.isDown()) return QColor::fromRgbF(0.9F, 0.69F, 0.14F);
-    return button.underMouse() ? QColor::fromRgbF(0.99F, 0.83F, 0.33F) : kColorExportGold;
+    return isHovered(button) ? QColor::fromRgbF(0.99F, 0.83F, 0.33F) : kColorExportGold;
 }
 
 }  // namespace
 
 ExportSelectionsButton::ExportSelectionsButton(QWidget* parent)
-    : QPushButton(QStringLiteral("Export selections to file"), parent),
+    : PlainButton(QStringLiteral("Export selections to file"), parent),
       shadow_(new ButtonShadow(parent)) {
+    setText(accessibleName());
     setFont(interfaceFont(14, QFont::DemiBold));
-    setFocusPolicy(Qt::TabFocus);
-    setAttribute(Qt::WA_Hover);
     hide();
 }
 
@@ -70,11 +69,7 @@ void ExportSelectionsButton::raiseWithShadow() {
 }
 
 void ExportSelectionsButton::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    const ButtonLook look{ground(*this), kColorExportGoldDark, whiteLevel(0.15)};
-    paintButtonBody(painter, *this, look, kRadius - 0.5);
-    painter.setPen(look.content);
-    painter.drawText(rect(), Qt::AlignCenter, text());
+    paintTitleButton(*this, {ground(*this), kColorExportGoldDark, whiteLevel(0.15)}, kRadius - 0.5);
 }
 
 void ExportSelectionsButton::placeShadow() {
@@ -87,12 +82,12 @@ void ExportSelectionsButton::moveEvent(QMoveEvent*) {
 }
 
 void ExportSelectionsButton::resizeEvent(QResizeEvent* event) {
-    QPushButton::resizeEvent(event);
+    PlainButton::resizeEvent(event);
     placeShadow();
 }
 
 void ExportSelectionsButton::setVisible(bool visible) {
-    QPushButton::setVisible(visible);
+    PlainButton::setVisible(visible);
     shadow_->setVisible(visible);
 }
 

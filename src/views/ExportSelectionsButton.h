@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QPushButton>
+#include "views/PlainButton.h"
 
 namespace sonavault {
 
@@ -8,7 +8,7 @@ namespace sonavault {
 /// lies below, which reaches beyond its frame.
 ///
 /// Thread: main.
-class ExportSelectionsButton final : public QPushButton {
+class ExportSelectionsButton final : public PlainButton {
   public:
     explicit ExportSelectionsButton(QWidget* parent);
 

@@ -57,10 +57,11 @@ FilterBarView::FilterBarView(QWidget* parent) : QWidget(parent) {
     vtCounterLabel_->hide();
     voicetracksOnlyButton_ =
         new FlatButton(QStringLiteral("Voicetracks Only Mode"), interfaceFont(12), this);
+    voicetracksOnlyButton_->setCheckable(true);
     voicetracksOnlyButton_->setObjectName(QStringLiteral("voicetracksOnlyButton"));
     setSvHint(*voicetracksOnlyButton_,
               QStringLiteral("Hide everything but voicetrack rows — for quick talent review."));
-    connect(voicetracksOnlyButton_, &QPushButton::clicked, this, [this] {
+    connect(voicetracksOnlyButton_, &QAbstractButton::clicked, this, [this] {
         if (onVoicetracksOnlyClicked) onVoicetracksOnlyClicked();
     });
 }

@@ -1,13 +1,14 @@
 #include "views/LanesScrollView.h"
 
 #include <QFocusEvent>
-#include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
 #include <QWheelEvent>
 #include <algorithm>
 
+#include "views/OverlayScrollBar.h"
 #include "views/Theme.h"
+#include "views/WheelPoints.h"
 
 namespace sonavault {
 
@@ -31,13 +32,9 @@ class FocusRing final : public QWidget {
     }
 };
 
-/// What the fingers or the wheel did. Units: points
+/// As wheelPoints(), but a plain wheel with Shift goes sideways.
 QPointF deltaOf(const QWheelEvent& event) {
-    constexpr double kNotch = 120;  // as Qt counts one
-    constexpr double kPointsPerNotch = 40;
-    const QPointF delta = event.pixelDelta().isNull()
-                              ? QPointF(event.angleDelta()) / kNotch * kPointsPerNotch
-                              : QPointF(event.pixelDelta());
+    const QPointF delta = wheelPoints(event);
     const bool sideways = event.modifiers().testFlag(Qt::ShiftModifier) && delta.x() == 0;
     return sideways ? delta.transposed() : delta;
 }
@@ -71,16 +68,12 @@ LanesScrollView::LanesScrollView(TimelineHost& host, QWidget* parent)
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::NoFocus);
     setLayoutDirection(Qt::LeftToRight);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     QPalette ground = palette();
     ground.setColor(QPalette::Window, Qt::white);
     viewport()->setPalette(ground);
     setWidget(inner_);
-    horizontalThumb_ =
-        new TimelineScrollThumb(*horizontalScrollBar(), host.makeMainTimer(), viewport());
-    verticalThumb_ =
-        new TimelineScrollThumb(*verticalScrollBar(), host.makeMainTimer(), viewport());
+    for (const auto orientation : {Qt::Horizontal, Qt::Vertical})
+        new OverlayScrollBar(*this, orientation, host.makeMainTimer());
     focusRing_ = new FocusRing(viewport());
 }
 
@@ -132,14 +125,6 @@ void LanesScrollView::wheelEvent(QWheelEvent* event) {
 bool LanesScrollView::eventFilter(QObject* watched, QEvent* event) {
     if (watched == inner_) {
         switch (event->type()) {
-            case QEvent::MouseMove: {
-                const auto* move = static_cast<QMouseEvent*>(event);
-                pointerMoved(inner_->mapToParent(move->position()));
-                break;
-            }
-            case QEvent::Leave:
-                pointerGone();
-                break;
             case QEvent::FocusIn:
                 focusRing_->show();
                 break;
@@ -157,16 +142,6 @@ void LanesScrollView::showFocus(Qt::FocusReason reason) {
     focusRing_->setVisible(reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason);
 }
 
-void LanesScrollView::pointerMoved(QPointF place) {
-    horizontalThumb_->pointerAt(place);
-    verticalThumb_->pointerAt(place);
-}
-
-void LanesScrollView::pointerGone() {
-    horizontalThumb_->pointerGone();
-    verticalThumb_->pointerGone();
-}
-
 bool LanesScrollView::focusNextPrevChild(bool next) {
     // A scroll area brings what has the keyboard into view, which here is the middle of the day.
     const double x = scrollX();
@@ -179,8 +154,6 @@ bool LanesScrollView::focusNextPrevChild(bool next) {
 
 void LanesScrollView::resizeEvent(QResizeEvent* event) {
     QScrollArea::resizeEvent(event);
-    horizontalThumb_->follow();
-    verticalThumb_->follow();
     focusRing_->setGeometry(viewport()->rect());
 }
 

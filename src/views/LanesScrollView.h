@@ -6,7 +6,6 @@
 #include "review/TimelineZoomHost.h"
 #include "views/LanesInnerView.h"
 #include "views/TimelineHost.h"
-#include "views/TimelineScrollThumb.h"
 
 namespace sonavault {
 
@@ -39,16 +38,12 @@ class LanesScrollView final : public QScrollArea {
   private:
     void setScrollX(double x);
     void pan(QPointF delta);
-    void pointerMoved(QPointF place);
-    void pointerGone();
     void showFocus(Qt::FocusReason reason);
 
     TimelineHost& host_;
     LanesInnerView* inner_;  ///< the scroll area owns it
     ScrollAxis axis_;
     double scrollX_ = 0;  ///< to a fraction of a point, as long as nobody else has scrolled
-    TimelineScrollThumb* horizontalThumb_;
-    TimelineScrollThumb* verticalThumb_;
     QWidget* focusRing_;
 };
 

@@ -48,7 +48,7 @@ LogsTabView::LogsTabView(TimelineHost& timeline, DateListHost& days, TransportAc
     setNames();
     setHints();
     stackOverlays();
-    connect(exportSelectionsButton_, &QPushButton::clicked, this, [this] {
+    connect(exportSelectionsButton_, &QAbstractButton::clicked, this, [this] {
         if (onExportSelections) onExportSelections();
     });
     // The summary bar moves with the lanes, and so does what hangs on it.

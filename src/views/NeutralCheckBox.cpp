@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "views/ButtonLook.h"
+#include "views/PixelGrid.h"
 #include "views/Theme.h"
 
 namespace sonavault {
@@ -19,7 +20,7 @@ const QColor kColorCheckboxNeutral = whiteLevel(0.65);
 QColor boxColour(const QAbstractButton& box) {
     if (!box.isEnabled()) return whiteLevel(0.8);
     if (box.isDown()) return whiteLevel(0.48);
-    return box.underMouse() ? whiteLevel(0.56) : kColorCheckboxNeutral;
+    return isHovered(box) ? whiteLevel(0.56) : kColorCheckboxNeutral;
 }
 
 void paintTick(QPainter& painter, const QRectF& box) {
@@ -35,9 +36,9 @@ void paintTick(QPainter& painter, const QRectF& box) {
 void paintBox(QPainter& painter, const QAbstractButton& button, const QRectF& box) {
     constexpr double kRadius = 3;
     const QColor colour = boxColour(button);
-    painter.setPen(colour);
+    painter.setPen(QPen(colour, PixelGrid(painter).hairline()));
     painter.setBrush(button.isChecked() ? colour : QColor(Qt::white));
-    painter.drawRoundedRect(box.adjusted(0.5, 0.5, -0.5, -0.5), kRadius, kRadius);
+    painter.drawRoundedRect(PixelGrid(painter).outline(box), kRadius, kRadius);
     if (button.isChecked()) paintTick(painter, box);
 }
 
@@ -61,10 +62,7 @@ void NeutralCheckBox::paintEvent(QPaintEvent*) {
     paintBox(painter, *this, QRectF(0, (height() - kBoxSize) / 2.0, kBoxSize, kBoxSize));
     painter.setPen(whiteLevel(isEnabled() ? 0.15 : 0.5));
     painter.drawText(rect().adjusted(kTextLeft, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter, text());
-    if (!showsFocus(*this)) return;
-    painter.setPen(whiteLevel(0.4));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(QRectF(rect()).adjusted(kTextLeft + 0.5, 0.5, -0.5, -0.5), 3, 3);
+    paintFocusRing(painter, *this, QRectF(rect()).adjusted(kTextLeft, 0, 0, 0), 3, whiteLevel(0.4));
 }
 
 bool NeutralCheckBox::hitButton(const QPoint& point) const {

@@ -1,6 +1,6 @@
 #include "views/OverlayScrollBar.h"
 
-#include <QEvent>
+#include <QHoverEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -9,48 +9,62 @@ namespace sonavault {
 namespace {
 
 constexpr int kReach = 12;  // how far from the edge the thumb can be caught
-constexpr double kEdgeGap = 3;
-constexpr double kThickness = 6;
-constexpr QColor kColorThumb{0, 0, 0, 90};
-constexpr QColor kColorThumbCaught{0, 0, 0, 140};
-constexpr QColor kColorThumbRim{255, 255, 255, 70};  // it is to be seen on dark content too
+constexpr double kEndGap = 3;
+constexpr double kEdgeGap = 1;
+constexpr double kThickness = 4;  // no more than is free below the timeline's hours
+constexpr double kThicknessInHand = 8;
+
+bool scrolls(const QScrollBar& bar) {
+    return bar.maximum() > bar.minimum();
+}
 
 }  // namespace
 
 OverlayScrollBar::OverlayScrollBar(QAbstractScrollArea& area, Qt::Orientation orientation,
-                                   std::chrono::milliseconds stay)
-    : QWidget(&area), area_(area), orientation_(orientation) {
-    if (orientation_ == Qt::Vertical)
+                                   std::unique_ptr<MainTimer> timer)
+    : QWidget(area.viewport()), area_(area), orientation_(orientation), timer_(std::move(timer)) {
+    if (isVertical())
         area_.setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     else
         area_.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setAccessibleName(QStringLiteral("Scroll bar"));
+    setAccessibleName(isVertical() ? QStringLiteral("Vertical scroll bar")
+                                   : QStringLiteral("Horizontal scroll bar"));
     setCursor(Qt::ArrowCursor);
-    hideTimer_.setSingleShot(true);
-    hideTimer_.setInterval(stay);
-    connect(&hideTimer_, &QTimer::timeout, this, [this] { hideIfIdle(); });
-    connect(&bar(), &QScrollBar::valueChanged, this, [this] { reveal(); });
-    connect(&bar(), &QScrollBar::rangeChanged, this, [this] { place(); });
-    area_.installEventFilter(this);
+    setAttribute(Qt::WA_Hover);
     hide();
+    connect(&bar(), &QScrollBar::valueChanged, this, [this] { moved(); });
+    connect(&bar(), &QScrollBar::rangeChanged, this, [this] { moved(); });
+    // The other one may need the corner.
+    for (QScrollBar* each : {area_.verticalScrollBar(), area_.horizontalScrollBar()})
+        connect(each, &QScrollBar::rangeChanged, this, [this] { place(); });
+    // Hovering is told of the content's views too, and even of those that do not track the pointer.
+    area_.viewport()->setAttribute(Qt::WA_Hover);
+    area_.viewport()->installEventFilter(this);
 }
 
 bool OverlayScrollBar::eventFilter(QObject* watched, QEvent* event) {
-    if (watched != &area_) return false;
-    if (event->type() == QEvent::Enter) {
-        isPointerOverArea_ = true;
-        reveal();
-    } else if (event->type() == QEvent::Leave) {
-        isPointerOverArea_ = false;
-        hideTimer_.start();
-    } else if (event->type() == QEvent::Resize) {
-        place();
+    // What is left of an area that is being taken apart has no scroll bars any more.
+    const bool isWhole = qobject_cast<QAbstractScrollArea*>(parentWidget()->parentWidget());
+    if (watched != parentWidget() || !isWhole) return false;
+    switch (event->type()) {
+        case QEvent::HoverEnter:
+        case QEvent::HoverMove:
+            setNear(toEdge(static_cast<QHoverEvent*>(event)->position()) < kNear);
+            break;
+        case QEvent::HoverLeave:
+            setNear(false);
+            break;
+        case QEvent::Resize:
+            place();
+            break;
+        default:
+            break;
     }
     return false;
 }
 
 QScrollBar& OverlayScrollBar::bar() const {
-    return orientation_ == Qt::Vertical ? *area_.verticalScrollBar() : *area_.horizontalScrollBar();
+    return isVertical() ? *area_.verticalScrollBar() : *area_.horizontalScrollBar();
 }
 
 ScrollRange OverlayScrollBar::range() const {
@@ -60,71 +74,95 @@ ScrollRange OverlayScrollBar::range() const {
 }
 
 double OverlayScrollBar::track() const {
-    return orientation_ == Qt::Vertical ? area_.height() : area_.width();
+    const QWidget& view = *area_.viewport();
+    const bool sharesCorner =
+        scrolls(*area_.verticalScrollBar()) && scrolls(*area_.horizontalScrollBar());
+    return (isVertical() ? view.height() : view.width()) - (sharesCorner ? kReach : 0);
 }
 
-double OverlayScrollBar::along(QPointF point) const {
-    return orientation_ == Qt::Vertical ? point.y() : point.x();
+double OverlayScrollBar::toEdge(QPointF point) const {
+    const QWidget& view = *area_.viewport();
+    return isVertical() ? view.width() - point.x() : view.height() - point.y();
+}
+
+void OverlayScrollBar::moved() {
+    linger();
+    place();
 }
 
 /// Puts the widget where the thumb is, out of sight when all of the content is seen.
 void OverlayScrollBar::place() {
-    const auto thumb = scrollThumb(range(), track());
-    if (!thumb) {
-        hide();
-        return;
+    if (const auto thumb = scrollThumb(range(), track())) {
+        const QWidget& view = *area_.viewport();
+        const int position = qRound(thumb->position);
+        const int length = qRound(thumb->position + thumb->length) - position;
+        setGeometry(isVertical() ? QRect(view.width() - kReach, position, kReach, length)
+                                 : QRect(position, view.height() - kReach, length, kReach));
     }
-    const int position = qRound(thumb->position);
-    const int length = qRound(thumb->position + thumb->length) - position;
-    if (orientation_ == Qt::Vertical)
-        setGeometry(area_.width() - kReach, position, kReach, length);
-    else
-        setGeometry(position, area_.height() - kReach, length, kReach);
+    showOrHide();
 }
 
-void OverlayScrollBar::reveal() {
-    place();
-    if (!scrollThumb(range(), track())) return;
-    raise();
-    show();
-    hideTimer_.start();
+void OverlayScrollBar::linger() {
+    lingers_ = true;
+    timer_->start(kStay, [this] {
+        lingers_ = false;
+        showOrHide();
+    });
 }
 
-void OverlayScrollBar::hideIfIdle() {
-    if (!isPointerOverArea_ && !caughtAt_) hide();
+void OverlayScrollBar::setNear(bool isNear) {
+    if (isNear == isNear_) return;
+    isNear_ = isNear;
+    if (!isNear) linger();
+    showOrHide();
+}
+
+void OverlayScrollBar::showOrHide() {
+    const bool shows = scrolls(bar()) && (isNear_ || lingers_ || caughtAt_);
+    if (shows && isHidden()) raise();
+    setVisible(shows);
 }
 
 void OverlayScrollBar::paintEvent(QPaintEvent*) {
-    const double farEdge = kReach - kEdgeGap - kThickness;
-    const QRectF thumb = orientation_ == Qt::Vertical
-                             ? QRectF(farEdge, kEdgeGap, kThickness, height() - 2 * kEdgeGap)
-                             : QRectF(kEdgeGap, farEdge, width() - 2 * kEdgeGap, kThickness);
+    const double thickness = isInHand() ? kThicknessInHand : kThickness;
+    const double across = kReach - kEdgeGap - thickness;
+    const QRectF pill = isVertical() ? QRectF(across, kEndGap, thickness, height() - 2 * kEndGap)
+                                     : QRectF(kEndGap, across, width() - 2 * kEndGap, thickness);
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(kColorThumbRim, 1));
-    painter.setBrush(caughtAt_ ? kColorThumbCaught : kColorThumb);
-    painter.drawRoundedRect(thumb, kThickness / 2, kThickness / 2);
+    painter.setPen(Qt::NoPen);
+    // Seen on light grounds and on dark markers alike.
+    for (const QColor& colour :
+         {QColor(255, 255, 255, 110), QColor(0, 0, 0, isInHand() ? 160 : 100)}) {
+        painter.setBrush(colour);
+        painter.drawRoundedRect(pill, thickness / 2, thickness / 2);
+    }
 }
 
 void OverlayScrollBar::mousePressEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton) return;
+    if (event->button() != Qt::LeftButton) return event->ignore();
     caughtAt_ = along(event->position());
     update();
 }
 
 void OverlayScrollBar::mouseMoveEvent(QMouseEvent* event) {
     if (!caughtAt_) return;
-    // In the area's coordinates: the thumb itself moves under the pointer.
-    const double pointer = along(area_.mapFromGlobal(event->globalPosition()));
+    // In the view's coordinates: the thumb itself moves under the pointer.
+    const double pointer = along(area_.viewport()->mapFromGlobal(event->globalPosition()));
     const double value = scrollValueAt(pointer - *caughtAt_, range(), track());
     bar().setValue(bar().minimum() + qRound(value));
 }
 
 void OverlayScrollBar::mouseReleaseEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton) return;
+    if (event->button() != Qt::LeftButton) return event->ignore();
     caughtAt_.reset();
-    hideTimer_.start();
+    linger();
     update();
+}
+
+void OverlayScrollBar::enterEvent(QEnterEvent* event) {
+    // A dialog may have taken the release.
+    if (!event->buttons().testFlag(Qt::LeftButton)) caughtAt_.reset();
 }
 
 }  // namespace sonavault

@@ -1,18 +1,19 @@
 #pragma once
 
 #include <QAbstractScrollArea>
-#include <QTimer>
 #include <QWidget>
 #include <chrono>
+#include <memory>
 #include <optional>
 
+#include "platform/MainTimer.h"
 #include "review/ScrollThumb.h"
 
 namespace sonavault {
 
 /// A scroll bar that lies over the content and takes no room. It is no more than its thumb, which
-/// shows while the content scrolls and while the pointer is over the area, and can be dragged;
-/// clicks beside it reach the content.
+/// shows for a while when something moves, and as long as the pointer is near or holds it. It has
+/// no trough: beside it, clicks go to what lies below.
 ///
 /// It stands in for the area's own bar, which is hidden but still holds range and value.
 ///
@@ -22,9 +23,12 @@ class OverlayScrollBar final : public QWidget {
     /// How long it stays after the last reason to show it.
     static constexpr std::chrono::milliseconds kStay{900};
 
-    /// Becomes a child of `area`.
+    /// How near the pointer comes to the edge before it shows. Units: points
+    static constexpr double kNear = 24;
+
+    /// Lies along the lower or right edge of what `area` shows, and becomes its child.
     OverlayScrollBar(QAbstractScrollArea& area, Qt::Orientation orientation,
-                     std::chrono::milliseconds stay = kStay);
+                     std::unique_ptr<MainTimer> timer = std::make_unique<QtMainTimer>());
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -33,20 +37,27 @@ class OverlayScrollBar final : public QWidget {
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
 
   private:
+    bool isVertical() const { return orientation_ == Qt::Vertical; }
+    bool isInHand() const { return caughtAt_.has_value() || underMouse(); }
     QScrollBar& bar() const;
     ScrollRange range() const;
     double track() const;
-    double along(QPointF point) const;
+    double along(QPointF point) const { return isVertical() ? point.y() : point.x(); }
+    double toEdge(QPointF point) const;
+    void moved();
     void place();
-    void reveal();
-    void hideIfIdle();
+    void linger();
+    void setNear(bool isNear);
+    void showOrHide();
 
     QAbstractScrollArea& area_;
     const Qt::Orientation orientation_;
-    QTimer hideTimer_;
-    bool isPointerOverArea_ = false;
+    const std::unique_ptr<MainTimer> timer_;
+    bool isNear_ = false;
+    bool lingers_ = false;
     std::optional<double> caughtAt_;  // from the thumb's beginning, while it is dragged
 };
 

@@ -37,6 +37,19 @@ class PixelGrid {
         return {QPointF(x(box.x), y(box.y)), QPointF(x(box.right()), y(box.bottom()))};
     }
 
+    QRectF snapped(const QRectF& box) const {
+        return {QPointF(x(box.left()), y(box.top())), QPointF(x(box.right()), y(box.bottom()))};
+    }
+
+    /// The width of a line of one point, in whole pixels of the screen. Units: points
+    double hairline() const { return thickness(1); }
+
+    /// Where a pen of that width runs so that it fills the outermost pixels inside `box`.
+    QRectF outline(const QRectF& box) const {
+        const double inset = hairline() / 2;
+        return snapped(box).adjusted(inset, inset, -inset, -inset);
+    }
+
     /// The box with a thickness that is the same wherever it stands.
     QRectF line(const Box& box) const {
         return {x(box.x), y(box.y), thickness(box.width), thickness(box.height)};

@@ -4,8 +4,8 @@
 
 namespace sonavault {
 
-/// A button that paints itself. A click leaves the keyboard where it is; who reaches it with the
-/// Tab key presses it with Return as well as with the space bar.
+/// A button that paints itself, as ButtonLook.h has it. A click leaves the keyboard where it is;
+/// who reaches it with the Tab key presses it with Return as well as with the space bar.
 ///
 /// Thread: main.
 class PlainButton : public QAbstractButton {
@@ -15,11 +15,6 @@ class PlainButton : public QAbstractButton {
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
-
-    bool isHovered() const { return isEnabled() && underMouse(); }
-
-    /// A thin ring along the inside of the button, while it has the keyboard.
-    void paintFocus(QPainter& painter, double radius, const QColor& colour) const;
 };
 
 }  // namespace sonavault

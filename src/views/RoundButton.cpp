@@ -9,11 +9,9 @@
 namespace sonavault {
 
 RoundButton::RoundButton(const QString& symbol, const QString& name, bool primary, QWidget* parent)
-    : QPushButton(symbol, parent), primary_(primary) {
+    : PlainButton(name, parent), primary_(primary) {
+    setText(symbol);
     setFont(interfaceFont(18, QFont::Medium));
-    setAccessibleName(name);
-    setFocusPolicy(Qt::TabFocus);
-    setAttribute(Qt::WA_Hover);
 }
 
 void RoundButton::showSymbol(const QString& symbol, const QString& name) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QPushButton>
+#include "views/PlainButton.h"
 
 namespace sonavault {
 
@@ -8,7 +8,7 @@ namespace sonavault {
 /// name. A click does not take the keyboard from the timeline.
 ///
 /// Thread: main.
-class RoundButton final : public QPushButton {
+class RoundButton final : public PlainButton {
   public:
     /// `primary`: the one that is used most.
     RoundButton(const QString& symbol, const QString& name, bool primary, QWidget* parent);

@@ -7,9 +7,10 @@
 #include <algorithm>
 
 #include "review/WindowLayout.h"
-#include "views/DevicePixels.h"
+#include "views/ButtonLook.h"
 #include "views/Hints.h"
 #include "views/Painting.h"
+#include "views/PixelGrid.h"
 #include "views/SVTabHotspotView.h"
 #include "views/TabAccessibility.h"
 #include "views/Theme.h"
@@ -50,21 +51,15 @@ TabLook tabLook(bool selected) {
 void drawTab(QPainter& painter, const Box& frame, const QString& title, bool selected) {
     const TabLook look = tabLook(selected);
     // Neighbours share the line between them. It is filled, as a thin pen blunts the lower corners.
-    const QRectF box = onDevicePixels(painter, toQRectF(frame).adjusted(0, 0, 1, 0));
-    const double line = hairline(painter);
+    const PixelGrid grid(painter);
+    const QRectF box = grid.snapped(toQRectF(frame).adjusted(0, 0, 1, 0));
+    const double line = grid.hairline();
     painter.fillPath(tabShape(box, kTabCorner), toQColor(kColorTabStroke));
     painter.fillPath(tabShape(box.adjusted(line, line, -line, -line), kTabCorner - line),
                      look.ground);
     painter.setPen(look.title);
     painter.setFont(interfaceFont(kTitleSize, look.weight));
     painter.drawText(toQRectF(frame), Qt::AlignCenter, title);
-}
-
-void drawFocus(QPainter& painter, const Box& frame) {
-    painter.setPen(QPen(QColor(0, 0, 0, 110), hairline(painter)));
-    painter.setBrush(Qt::NoBrush);
-    const QRectF ring = outlineInside(painter, toQRectF(frame).adjusted(4, 4, -3, -4));
-    painter.drawRoundedRect(ring, kTabCorner - 3, kTabCorner - 3);
 }
 
 }  // namespace
@@ -123,7 +118,9 @@ void SVTabBarView::paintEvent(QPaintEvent*) {
         for (std::size_t i = 0; i < tabs_.size(); ++i) {
             if ((tabs_[i].id == selectedTabId_) != selected) continue;
             drawTab(painter, frames[i], toQString(tabs_[i].title), selected);
-            if (selected && hasFocus()) drawFocus(painter, frames[i]);
+            if (selected)
+                paintFocusRing(painter, *this, toQRectF(frames[i]).adjusted(4, 4, -3, -4),
+                               kTabCorner - 3, QColor(0, 0, 0, 110));
         }
     }
 }

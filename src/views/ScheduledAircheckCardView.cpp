@@ -144,9 +144,9 @@ void ScheduledAircheckCardView::buildFoot() {
                           fromBottom(18, 21, 390, 24),
                           QStringLiteral("Most recent date this aircheck was exported."));
     const QFont sign = interfaceFont(20, QFont::Bold);
-    removeBtn = placed(new CardButton(QStringLiteral("−"), sign, this), fromBottom(462, 15, 42, 42),
+    removeBtn = placed(new FlatButton(QStringLiteral("−"), sign, this), fromBottom(462, 15, 42, 42),
                        QStringLiteral("Remove this aircheck card."));
-    addBtn = placed(new CardButton(QStringLiteral("+"), sign, this), fromBottom(510, 15, 42, 42),
+    addBtn = placed(new FlatButton(QStringLiteral("+"), sign, this), fromBottom(510, 15, 42, 42),
                     QStringLiteral("Add another aircheck card below this one."));
     connect(removeBtn, &QAbstractButton::clicked, this, [this] {
         if (onRemove) onRemove();

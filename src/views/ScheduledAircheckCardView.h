@@ -6,6 +6,7 @@
 
 #include "export/ScheduledAircheckCard.h"
 #include "views/CardControls.h"
+#include "views/FlatButton.h"
 #include "views/TextView.h"
 
 namespace sonavault {
@@ -46,8 +47,8 @@ class ScheduledAircheckCardView final : public QWidget {
     CardRadioButton* liveRadio = nullptr;
     CardRadioButton* vtRadio = nullptr;
     TextView* lastRunLabel = nullptr;
-    CardButton* removeBtn = nullptr;
-    CardButton* addBtn = nullptr;
+    FlatButton* removeBtn = nullptr;
+    FlatButton* addBtn = nullptr;
 
   protected:
     void paintEvent(QPaintEvent* event) override;

@@ -5,9 +5,10 @@
 #include <cmath>
 
 #include "review/WindowLayout.h"
-#include "views/DevicePixels.h"
+#include "views/ButtonLook.h"
 #include "views/Hints.h"
 #include "views/Painting.h"
+#include "views/PixelGrid.h"
 #include "views/PlainButton.h"
 #include "views/StatusSymbols.h"
 #include "views/Theme.h"
@@ -44,14 +45,13 @@ class SettingsButton final : public PlainButton {
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
         paintGearSymbol(painter, rect(), kGearSize, tint());
-        painter.setRenderHint(QPainter::Antialiasing);
-        paintFocus(painter, 6, whiteLevel(0.78));
+        paintFocusRing(painter, *this, QRectF(rect()).adjusted(2, 2, -2, -2), 6, whiteLevel(0.78));
     }
 
   private:
     QColor tint() const {
         if (isDown()) return whiteLevel(0.55);
-        return isHovered() ? QColor(Qt::white) : whiteLevel(0.78);
+        return isHovered(*this) ? QColor(Qt::white) : whiteLevel(0.78);
     }
 };
 
@@ -139,8 +139,8 @@ void StatusBarView::paintEvent(QPaintEvent*) {
     painter.fillRect(rect(), kGround);
     if (!progress_) return;
     const QRectF track(0, 0, width(), kProgressHeight);
-    painter.fillRect(onDevicePixels(painter, track), whiteLevel(0.25));
-    painter.fillRect(onDevicePixels(painter, progressFrame()), kColorProgress);
+    painter.fillRect(PixelGrid(painter).snapped(track), whiteLevel(0.25));
+    painter.fillRect(PixelGrid(painter).snapped(progressFrame()), kColorProgress);
 }
 
 void StatusBarView::resizeEvent(QResizeEvent*) {

@@ -49,7 +49,7 @@ TransportView::TransportView(TransportActions actions, QWidget* parent)
 RoundButton* TransportView::makeRoundButton(const QString& symbol, const QString& name,
                                             Action action, bool primary) {
     auto* button = new RoundButton(symbol, name, primary, this);
-    connect(button, &QPushButton::clicked, this, [this, action] { run(action); });
+    connect(button, &QAbstractButton::clicked, this, [this, action] { run(action); });
     return button;
 }
 
@@ -107,7 +107,7 @@ void TransportView::makeExportButton() {
     exportButton_->setObjectName(QStringLiteral("exportButton"));
     exportButton_->setEnabled(false);
     exportButton_->hide();
-    connect(exportButton_, &QPushButton::clicked, this,
+    connect(exportButton_, &QAbstractButton::clicked, this,
             [this] { run(&TransportActions::exportClicked); });
 }
 

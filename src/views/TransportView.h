@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QPushButton>
+#include <QAbstractButton>
 #include <QWidget>
 #include <array>
 #include <functional>
@@ -59,7 +59,7 @@ class TransportView final : public QWidget {
     std::array<RoundButton*, 5> shuttle_{};
     ElidedTextView* nowPlayingLabel_ = nullptr;
     ElidedTextView* selectionInfoLabel_ = nullptr;
-    QPushButton* exportButton_ = nullptr;
+    QAbstractButton* exportButton_ = nullptr;
 };
 
 }  // namespace sonavault

@@ -28,9 +28,10 @@ void ZoomBarView::makePreset(std::size_t preset) {
     const ZoomPreset& described = kZoomPresets.at(preset);
     auto* button =
         new FlatButton(toQString(described.title), interfaceFont(13, QFont::Medium), this);
+    button->setCheckable(true);
     button->setObjectName(toQString(described.identifier));
     setSvHint(*button, toQString(described.hint));
-    connect(button, &QPushButton::clicked, this, [this, preset] {
+    connect(button, &QAbstractButton::clicked, this, [this, preset] {
         if (onPresetClicked) onPresetClicked(preset);
     });
     zoomPresetButtons_.push_back(button);

@@ -182,6 +182,16 @@ TEST_F(AircheckScheduleTest, looks_at_the_cards_every_thirty_seconds) {
     EXPECT_EQ(desk_.status.size(), 2u);
 }
 
+TEST_F(AircheckScheduleTest, goes_on_looking_at_the_cards_when_the_clock_was_set_back) {
+    cards_ = {nightShow()};
+    schedule_.tickDisplay();
+    ASSERT_EQ(desk_.status.size(), 1u);
+    cards_[0].lastRunDate = "";
+    clock_.advance(-60);
+    schedule_.tickDisplay();
+    EXPECT_EQ(desk_.status.size(), 2u);
+}
+
 TEST_F(AircheckScheduleTest, does_nothing_for_a_card_that_is_not_there) {
     schedule_.airchecksSchedulerTick();
     schedule_.runScheduledAircheck(0, "2026-05-08");

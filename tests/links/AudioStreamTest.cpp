@@ -4,7 +4,7 @@
 
 #include <limits>
 
-#include "links/WireBytes.h"
+#include "links/HeardStream.h"
 
 namespace sonavault::testing {
 namespace {
@@ -34,18 +34,11 @@ void takeAll(AudioStream& stream, Heard& heard) {
 }
 
 Heard hear(const std::vector<Bytes>& pieces) {
-    AudioStream stream;
-    Heard heard;
-    for (const Bytes& piece : pieces) {
-        stream.append(piece);
-        takeAll(stream, heard);
-    }
-    return heard;
+    return hearPieces<AudioStream, Heard>(pieces, takeAll);
 }
 
 Heard hearSplitAt(const Bytes& bytes, std::size_t at) {
-    const auto middle = bytes.begin() + static_cast<std::ptrdiff_t>(at);
-    return hear({Bytes(bytes.begin(), middle), Bytes(middle, bytes.end())});
+    return hear(splitAt(bytes, at));
 }
 
 class AudioStreamInOrder : public ::testing::TestWithParam<Order> {};
@@ -71,11 +64,8 @@ TEST_P(AudioStreamInOrder, gives_the_same_samples_split_at_every_byte) {
 
 TEST_P(AudioStreamInOrder, gives_the_same_samples_byte_by_byte) {
     const auto samples = distinctSamples(24);
-    std::vector<Bytes> pieces;
-    for (const std::uint8_t byte :
-         handshakeBytes(8000, 2, 32, GetParam()) + sampleBytes(samples, GetParam()))
-        pieces.push_back({byte});
-    const Heard heard = hear(pieces);
+    const Heard heard = hear(
+        byteByByte(handshakeBytes(8000, 2, 32, GetParam()) + sampleBytes(samples, GetParam())));
     EXPECT_EQ(heard.samples, samples);
     EXPECT_EQ(heard.buffers, 12);
 }

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "links/WireBytes.h"
+#include "links/HeardStream.h"
 
 namespace sonavault::testing {
 namespace {
@@ -34,18 +34,11 @@ void takeAll(MarkerStream& stream, Heard& heard) {
 }
 
 Heard hear(const std::vector<Bytes>& pieces) {
-    MarkerStream stream;
-    Heard heard;
-    for (const Bytes& piece : pieces) {
-        stream.append(piece);
-        takeAll(stream, heard);
-    }
-    return heard;
+    return hearPieces<MarkerStream, Heard>(pieces, takeAll);
 }
 
 Heard hearSplitAt(const Bytes& bytes, std::size_t at) {
-    const auto middle = bytes.begin() + static_cast<std::ptrdiff_t>(at);
-    return hear({Bytes(bytes.begin(), middle), Bytes(middle, bytes.end())});
+    return hear(splitAt(bytes, at));
 }
 
 Bytes prefix(std::uint32_t length, Order order) {
@@ -92,9 +85,7 @@ TEST_P(MarkerStreamInOrder, gives_the_same_payloads_split_at_every_byte) {
 }
 
 TEST_P(MarkerStreamInOrder, gives_the_same_payloads_byte_by_byte) {
-    std::vector<Bytes> pieces;
-    for (const std::uint8_t byte : frames(GetParam())) pieces.push_back({byte});
-    EXPECT_EQ(hear(pieces).payloads, kPayloads);
+    EXPECT_EQ(hear(byteByByte(frames(GetParam()))).payloads, kPayloads);
 }
 
 TEST_P(MarkerStreamInOrder, gives_only_whole_payloads_cut_at_every_byte) {

@@ -18,7 +18,7 @@ TEST(ScrollThumb, ends_where_the_content_ends) {
 
 TEST(ScrollThumb, can_be_caught_however_long_the_content) {
     EXPECT_EQ(scrollThumb({.visible = 100, .hidden = 1e6, .value = 1e6}, 100),
-              (ScrollThumb{72, 28}));
+              (ScrollThumb{64, 36}));
 }
 
 TEST(ScrollThumb, is_never_longer_than_its_track) {

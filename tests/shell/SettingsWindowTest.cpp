@@ -10,6 +10,7 @@
 #include "support/ExpectedQtWarnings.h"
 #include "support/TempFolder.h"
 #include "views/Theme.h"
+#include "views/ViewProbe.h"
 
 namespace sonavault::testing {
 namespace {
@@ -41,12 +42,12 @@ class SettingsWindowTest : public ::testing::Test {
 
     QStringList texts() {
         QStringList all;
-        for (const auto* each : settings().window().findChildren<TextView*>()) all << each->text();
+        for (const auto* each : allOf<TextView>(settings().window())) all << each->text();
         return all;
     }
 
     TextView* label(const QString& text) {
-        for (auto* each : settings().window().findChildren<TextView*>())
+        for (auto* each : allOf<TextView>(settings().window()))
             if (each->text() == text) return each;
         return nullptr;
     }
@@ -129,7 +130,7 @@ TEST_F(SettingsWindowTest, places_its_contents) {
         label("Selection saves immediately. Changes take effect when the next recording starts.");
     ASSERT_NE(note, nullptr);
     EXPECT_EQ(frame(*note), QRect(0, 20, 580, 16));
-    for (const auto* each : settings().window().findChildren<TextView*>()) {
+    for (const auto* each : allOf<TextView>(settings().window())) {
         EXPECT_EQ(each->alignment(), Qt::AlignCenter);
         EXPECT_LE(each->sizeHint().width(), each->width()) << each->text().toStdString();
         EXPECT_EQ(each->accessibleName(), each->text());
@@ -155,7 +156,7 @@ TEST_F(SettingsWindowTest, explains_its_contents) {
         "Really Good — 48 kbps. Music recognizable; airchecks worth keeping.",
         "Crazy Good — 96 kbps. Near broadcast quality; largest files."};
     std::map<int, QString> told;
-    for (const auto* each : settings().window().findChildren<TextView*>())
+    for (const auto* each : allOf<TextView>(settings().window()))
         if (frame(*each).y() == 120) told[frame(*each).x()] = each->toolTip();
     for (int i = 0; i < 5; ++i)
         EXPECT_EQ(told[5 + 115 * i], QString::fromUtf8(tips.at(static_cast<std::size_t>(i))));

@@ -1,6 +1,7 @@
 #include "shell/ShellFixture.h"
 
 #include "views/DotView.h"
+#include "views/ViewProbe.h"
 
 namespace sonavault::testing {
 
@@ -86,9 +87,7 @@ void ShellFixture::dropCadenzo() {
 }
 
 QColor ShellFixture::colourOfDot(SonavaultViewController& controller) {
-    return controller.rootView()
-        .findChild<DotView*>(QStringLiteral("statusBarConnectionDot"))
-        ->colour();
+    return named<DotView>(controller.rootView(), "statusBarConnectionDot")->colour();
 }
 
 std::string ShellFixture::statusText() {

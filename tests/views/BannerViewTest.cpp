@@ -5,7 +5,6 @@
 #include <QIcon>
 #include <QPixmap>
 #include <QTest>
-#include <algorithm>
 
 #include "ViewProbe.h"
 #include "store/Version.h"
@@ -23,17 +22,14 @@ class Banner : public ::testing::Test {
     }
 
     TextView* textView(const QString& text) {
-        const auto labels = banner.findChildren<QLabel*>();
-        const auto found = std::find_if(labels.begin(), labels.end(),
-                                        [&](const QLabel* label) { return label->text() == text; });
-        return found == labels.end() ? nullptr : dynamic_cast<TextView*>(*found);
+        for (auto* each : allOf<TextView>(banner))
+            if (each->text() == text) return each;
+        return nullptr;
     }
 
     LogoView* logo() {
-        for (QWidget* child : banner.findChildren<QWidget*>()) {
-            if (auto* view = dynamic_cast<LogoView*>(child)) return view;
-        }
-        return nullptr;
+        const auto logos = allOf<LogoView>(banner);
+        return logos.empty() ? nullptr : logos.front();
     }
 
     BannerView banner{nullptr};

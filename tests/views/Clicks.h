@@ -8,7 +8,7 @@ namespace sonavault::testing {
 /// The view of that name and kind within `parent`; a test without it cannot go on.
 template <class View>
 View& viewNamed(QWidget& parent, const char* name) {
-    auto* found = parent.findChild<View*>(QString::fromUtf8(name));
+    auto* found = dynamic_cast<View*>(parent.findChild<QWidget*>(QString::fromUtf8(name)));
     if (found == nullptr) qFatal("There is no view named %s.", name);
     return *found;
 }

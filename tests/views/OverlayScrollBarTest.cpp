@@ -2,14 +2,18 @@
 
 #include <gtest/gtest.h>
 
+#include <QtTest/qtestspontaneevent.h>
+#include <QApplication>
+#include <QHoverEvent>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTest>
 
+#include "support/ManualTimers.h"
+#include "views/Pointer.h"
+
 namespace sonavault::testing {
 namespace {
-
-using namespace std::chrono_literals;
 
 /// 200 points of 800 are seen, so the thumb is a quarter of the area.
 class OverlayScrollBarTest : public ::testing::TestWithParam<Qt::Orientation> {
@@ -24,16 +28,14 @@ class OverlayScrollBarTest : public ::testing::TestWithParam<Qt::Orientation> {
         area_.show();
         QCoreApplication::processEvents();
         takePointerAway();  // it may lie where the window has appeared
-        EXPECT_TRUE(QTest::qWaitFor([this] { return !thumb_.isVisible(); }));
+        timers_.pass(1);
     }
 
-    void bringPointer() {
-        QEnterEvent enter({5, 5}, {5, 5}, {5, 5});
-        QCoreApplication::sendEvent(&area_, &enter);
-    }
+    /// To a place over the content, whose view is told of it.
+    void movePointer(QPoint to) { Pointer(*content_).move(content_->mapFromParent(to)); }
     void takePointerAway() {
-        QEvent leave(QEvent::Leave);
-        QCoreApplication::sendEvent(&area_, &leave);
+        QHoverEvent leave(QEvent::HoverLeave, {-1, -1}, {-1, -1}, {5, 5});
+        QCoreApplication::sendEvent(area_.viewport(), &leave);
     }
 
     bool isVertical() const { return GetParam() == Qt::Vertical; }
@@ -46,9 +48,11 @@ class OverlayScrollBarTest : public ::testing::TestWithParam<Qt::Orientation> {
         return isVertical() ? QPoint(200 - across, along) : QPoint(along, 200 - across);
     }
 
+    ManualClock clock_{WallTime{}};
+    ManualTimers timers_{clock_};
     QScrollArea area_;
     QWidget* content_ = new QWidget;
-    OverlayScrollBar thumb_{area_, GetParam(), 1ms};
+    OverlayScrollBar& thumb_ = *new OverlayScrollBar(area_, GetParam(), timers_.make());
 };
 
 INSTANTIATE_TEST_SUITE_P(Both, OverlayScrollBarTest,
@@ -63,22 +67,80 @@ TEST_P(OverlayScrollBarTest, shows_while_the_content_scrolls_and_then_goes) {
     bar().setValue(300);
     EXPECT_TRUE(thumb_.isVisible());
     EXPECT_EQ(thumb_.geometry(), isVertical() ? QRect(188, 75, 12, 50) : QRect(75, 188, 50, 12));
-    EXPECT_TRUE(QTest::qWaitFor([this] { return !thumb_.isVisible(); }));
+    timers_.pass(0.8);
+    EXPECT_TRUE(thumb_.isVisible());
+    timers_.pass(0.1);
+    EXPECT_FALSE(thumb_.isVisible());
 }
 
-TEST_P(OverlayScrollBarTest, stays_while_the_pointer_is_over_the_content) {
-    bringPointer();
+TEST_P(OverlayScrollBarTest, stays_while_the_pointer_is_near_its_edge) {
+    movePointer(point(100, 30));
+    EXPECT_FALSE(thumb_.isVisible());
+    movePointer(point(100, 20));
     EXPECT_TRUE(thumb_.isVisible());
-    // The time after which it would go without the pointer has passed for sure.
-    EXPECT_FALSE(QTest::qWaitFor([this] { return !thumb_.isVisible(); }, 50));
+    timers_.pass(5);
+    EXPECT_TRUE(thumb_.isVisible());
 
+    movePointer(point(100, 30));
+    EXPECT_TRUE(thumb_.isVisible());
+    timers_.pass(1);
+    EXPECT_FALSE(thumb_.isVisible());
+}
+
+TEST_P(OverlayScrollBarTest, goes_when_the_pointer_leaves_the_view_from_its_edge) {
+    movePointer(point(100, 5));
+    ASSERT_TRUE(thumb_.isVisible());
     takePointerAway();
-    EXPECT_TRUE(QTest::qWaitFor([this] { return !thumb_.isVisible(); }));
+    timers_.pass(1);
+    EXPECT_FALSE(thumb_.isVisible());
+}
+
+TEST_P(OverlayScrollBarTest, stays_while_the_pointer_is_on_it) {
+    bar().setValue(300);
+    Pointer(thumb_).move({6, 6});
+    timers_.pass(5);
+    EXPECT_TRUE(thumb_.isVisible());
+}
+
+TEST_P(OverlayScrollBarTest, shows_that_there_is_more_than_is_seen) {
+    content_->resize(200, 200);
+    ASSERT_FALSE(thumb_.isVisible());
+    content_->resize(isVertical() ? QSize(200, 300) : QSize(300, 200));
+    EXPECT_TRUE(thumb_.isVisible());
+}
+
+TEST_P(OverlayScrollBarTest, leaves_the_corner_free_when_the_other_one_has_something_to_scroll) {
+    bar().setValue(600);
+    content_->resize(800, 800);
+    const QRect place = thumb_.geometry();
+    EXPECT_EQ(isVertical() ? place.bottom() : place.right(), 187);
+}
+
+TEST_P(OverlayScrollBarTest, lets_go_when_the_release_went_elsewhere) {
+    bar().setValue(1);
+    Pointer pointer(thumb_);
+    pointer.press({6, 6});
+    pointer.loseRelease();
+    QEnterEvent enter({6, 6}, {6, 6}, {6, 6});
+    QCoreApplication::sendEvent(&thumb_, &enter);
+    pointer.move(isVertical() ? QPointF(6, 100) : QPointF(100, 6));
+    EXPECT_EQ(bar().value(), 1);
+}
+
+TEST_P(OverlayScrollBarTest, lets_the_wheel_through) {
+    bar().setValue(300);
+    const QPoint angle = isVertical() ? QPoint(0, -120) : QPoint(-120, 0);
+    QWheelEvent event({6, 6}, thumb_.mapToGlobal(QPointF(6, 6)), {}, angle, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QSpontaneKeyEvent::setSpontaneous(&event);
+    qApp->notify(&thumb_, &event);
+    EXPECT_GT(bar().value(), 300);
 }
 
 TEST_P(OverlayScrollBarTest, is_absent_when_all_is_seen) {
     content_->resize(100, 100);
-    bringPointer();
+    movePointer(point(100, 5));
+    bar().setValue(0);
     EXPECT_FALSE(thumb_.isVisible());
 }
 
@@ -107,12 +169,14 @@ TEST_P(OverlayScrollBarTest, drags_the_content_along) {
     EXPECT_EQ(bar().value(), 300);
     QTest::mouseMove(&thumb_, thumb_.mapFrom(&area_, point(1000, 6)));
     EXPECT_EQ(bar().value(), 600);
-    EXPECT_FALSE(QTest::qWaitFor([this] { return !thumb_.isVisible(); }, 50));
+    timers_.pass(5);
+    EXPECT_TRUE(thumb_.isVisible());
     QTest::mouseRelease(&thumb_, Qt::LeftButton, {}, inThumb);
     QTest::mouseMove(&thumb_, thumb_.mapFrom(&area_, point(10, 6)));
     EXPECT_EQ(bar().value(), 600);
     takePointerAway();
-    EXPECT_TRUE(QTest::qWaitFor([this] { return !thumb_.isVisible(); }));
+    timers_.pass(1);
+    EXPECT_FALSE(thumb_.isVisible());
 }
 
 TEST_P(OverlayScrollBarTest, leaves_what_is_beside_its_thumb_to_the_content) {
@@ -132,7 +196,7 @@ TEST_P(OverlayScrollBarTest, is_seen_on_light_and_on_dark_content) {
         bar().setValue(300);
         const QImage image = area_.grab().toImage();
         const auto difference =
-            std::abs(image.pixelColor(point(100, 6)).lightness() - ground.lightness());
+            std::abs(image.pixelColor(point(100, 3)).lightness() - ground.lightness());
         EXPECT_GT(difference, 15) << ground.lightness();
         EXPECT_EQ(image.pixelColor(point(30, 6)), ground);
     }

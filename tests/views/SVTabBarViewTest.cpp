@@ -178,6 +178,7 @@ TEST_F(TabBar, shows_where_the_keyboard_is) {
 
     behind.activateWindow();
     bar->setFocus(Qt::TabFocusReason);
+    behind.setAttribute(Qt::WA_KeyboardFocusChange);  // as the Tab key does
     ASSERT_TRUE(QTest::qWaitForWindowActive(&behind));
 
     EXPECT_NE(picture(behind), before);

@@ -9,6 +9,7 @@
 #include "support/ExpectedQtWarnings.h"
 #include "views/Hints.h"
 #include "views/Theme.h"
+#include "views/ViewProbe.h"
 
 namespace sonavault::testing {
 namespace {
@@ -104,7 +105,7 @@ TEST_F(ScheduledAircheckCardViewTest, places_its_words_so_that_none_is_cut) {
         Word{"Days:", {18, 198, 66, 27}, 18}, Word{"Hours:", {18, 144, 66, 27}, 18},
         Word{"Start", {90, 144, 60, 27}, 16}, Word{"End", {282, 144, 48, 27}, 16},
         Word{"Mode:", {18, 90, 66, 27}, 18}};
-    const auto labels = view_.findChildren<TextView*>();
+    const auto labels = allOf<TextView>(view_);
     for (const auto& word : words) {
         const auto found = std::find_if(labels.begin(), labels.end(), [&](const auto* each) {
             return each->text() == QLatin1String(word.text);
@@ -148,7 +149,7 @@ TEST_F(ScheduledAircheckCardViewTest, explains_every_control) {
     EXPECT_EQ(svHint(*view_.removeBtn), "Remove this aircheck card.");
     EXPECT_EQ(svHint(*view_.addBtn), "Add another aircheck card below this one.");
     std::map<QString, QString> words;
-    for (const auto* each : view_.findChildren<TextView*>()) words[each->text()] = svHint(*each);
+    for (const auto* each : allOf<TextView>(view_)) words[each->text()] = svHint(*each);
     EXPECT_EQ(words["Days:"], "Which days of the week to capture this aircheck on.");
     EXPECT_EQ(words["Hours:"], "Start and end hours of the daypart to capture.");
     EXPECT_EQ(words["Start"], "First hour of the aircheck window (inclusive).");
@@ -291,7 +292,26 @@ TEST_F(ScheduledAircheckCardViewTest, is_white_with_a_grey_border_and_round_corn
     EXPECT_LT(seen.pixelColor(0, 0).alpha(), 40);
 }
 
+TEST_F(ScheduledAircheckCardViewTest, shows_in_blue_what_is_chosen) {
+    const auto groundOf = [](QWidget* mark) {
+        return mark->grab().toImage().pixelColor(6, mark->height() / 2 - 5);
+    };
+    EXPECT_EQ(groundOf(view_.dayChecks[0]), QColor(0, 112, 245));
+    EXPECT_EQ(groundOf(view_.dayChecks[1]), QColor(Qt::white));
+    EXPECT_EQ(groundOf(view_.liveRadio), QColor(0, 112, 245));
+}
+
+TEST_F(ScheduledAircheckCardViewTest, the_buttons_darken_while_they_are_pressed) {
+    const auto ground = [this] { return view_.addBtn->grab().toImage().pixelColor(8, 8); };
+    const QColor before = ground();
+    QTest::mousePress(view_.addBtn, Qt::LeftButton);
+    EXPECT_LT(ground().lightness(), before.lightness());
+    QTest::mouseRelease(view_.addBtn, Qt::LeftButton, {}, QPoint(-20, 0));
+    EXPECT_THAT(changes_, IsEmpty());
+}
+
 TEST_F(ScheduledAircheckCardViewTest, rings_the_control_that_the_keyboard_is_at) {
+    view_.setAttribute(Qt::WA_KeyboardFocusChange);  // as the Tab key does
     const auto ringed = [](QWidget* control) {
         control->clearFocus();
         const QImage before = control->grab().toImage();

@@ -92,7 +92,7 @@ TEST_F(ZoomBarViewTest, the_preset_that_is_on_stands_out) {
     const QColor dayOn = pixelOf(preset("1"), 6, 14);
     const QColor hourOff = pixelOf(preset("24"), 6, 14);
     EXPECT_EQ(hourOff, QColor(Qt::white));
-    EXPECT_LT(dayOn.lightness(), 128);
+    EXPECT_EQ(dayOn, QColor(74, 112, 139));
     bar_.showZoomPreset(2);
     EXPECT_EQ(pixelOf(preset("1"), 6, 14), hourOff);
     EXPECT_EQ(pixelOf(preset("24"), 6, 14), dayOn);
