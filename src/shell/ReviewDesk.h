@@ -56,6 +56,7 @@ class ReviewDesk final : private DayListHost,
 
     // PeaksHost
     void setStatusBarText(const std::string& text) override { screen_.setStatusBarText(text); }
+    void redrawSummaryBar() override { screen_.redrawSummaryBar(); }
 
     // LoadedDayHost
     void stopPlayback() override { playback_.stopPlayback(); }
@@ -74,7 +75,6 @@ class ReviewDesk final : private DayListHost,
     std::optional<std::filesystem::path> loadedFileURL() const override {
         return day_.loadedFileURL();
     }
-    void redrawSummaryBar() override { screen_.redrawSummaryBar(); }
 
     ShellServices& services_;
     ReviewScreen& screen_;
