@@ -40,6 +40,9 @@ class ReviewDesk final : private DayListHost,
     /// Shows the days as they were last read.
     void renderDateList() override;
 
+    /// The audio file that the recorder opened last; nothing without a recorder.
+    std::optional<std::filesystem::path> lastRecordingURL() const override;
+
     /// How much audio the day under review holds, and from when on; nothing without a day.
     std::optional<AudioExtent> audioExtent() const;
 
@@ -71,7 +74,6 @@ class ReviewDesk final : private DayListHost,
 
     // Several of the four
     void updatePlayheadVisuals() override { screen_.updatePlayheadVisuals(); }
-    std::optional<std::filesystem::path> lastRecordingURL() const override;
     std::optional<std::filesystem::path> loadedFileURL() const override {
         return day_.loadedFileURL();
     }
