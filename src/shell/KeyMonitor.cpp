@@ -3,6 +3,7 @@
 #include <QAbstractSpinBox>
 #include <QApplication>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QTextEdit>
 
@@ -36,6 +37,12 @@ bool editsText() {
     return qobject_cast<const QLineEdit*>(focus) || qobject_cast<const QTextEdit*>(focus) ||
            qobject_cast<const QPlainTextEdit*>(focus) ||
            qobject_cast<const QAbstractSpinBox*>(focus);
+}
+
+/// The keyboard is in the menu bar, or in a list that is open before the window.
+bool choosesFromMenu() {
+    return QApplication::activePopupWidget() ||
+           qobject_cast<const QMenuBar*>(QApplication::focusWidget());
 }
 
 /// Held down, an arrow goes on and on; anything else happens once.
@@ -86,7 +93,7 @@ bool KeyMonitor::eventFilter(QObject* receiver, QEvent* event) {
 std::optional<KeyCommand> KeyMonitor::commandOf(QObject* receiver, const QKeyEvent& event) const {
     // A key goes to the system's window first, and from there to a widget.
     const auto* widget = qobject_cast<const QWidget*>(receiver);
-    if (!widget) return std::nullopt;
+    if (!widget || choosesFromMenu()) return std::nullopt;
     return keyCommand(keyEventOf(event), {.editsText = editsText(),
                                           .activeTab = root_.activeTab(),
                                           .inMainWindow = widget->window() == root_.window()});
