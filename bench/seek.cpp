@@ -120,6 +120,7 @@ void playAtHalfPastEleven(benchmark::State& state,
                           const std::function<void(PlaybackFeeder&)>& before) {
     silenceLibAv();
     auto file = std::move(PlaybackFile::open(theDay().file()).value());
+    if (!file.source()->index->await({})) std::abort();
     PlaybackFeeder feeder;
     double preRoll = 0;
     std::vector<double> all;

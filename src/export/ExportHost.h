@@ -63,6 +63,9 @@ class ExportedDay {
     /// The date on the screen, "yyyy-MM-dd".
     virtual std::string selectedDate() const = 0;
 
+    /// Where days are recorded to and listed from.
+    virtual std::vector<std::filesystem::path> recordingsFolders() const = 0;
+
     /// The reviewer's ranges, in order of creation.
     virtual std::vector<Selection> selections() const = 0;
 };

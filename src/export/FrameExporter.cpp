@@ -1,5 +1,8 @@
 #include "export/FrameExporter.h"
 
+#include <system_error>
+#include <utility>
+
 namespace sonavault {
 
 FrameExporter::FrameExporter(const ExportedDay& day, Executor& mainQueue)
@@ -13,24 +16,45 @@ void FrameExporter::exportSelectionsToMP3(std::optional<std::vector<Selection>> 
                                           const std::filesystem::path& outputURL,
                                           Completion completion) {
     const auto begun = exports_.insert(exports_.end(), Export{.outputURL = outputURL});
-    auto finish = lifetime_.guard(
+    Finish finish = lifetime_.guard(
         [this, begun, completion = std::move(completion)](const Result<Done, ExportError>& result) {
             exports_.erase(begun);
             // Last, for it may ask the person, who may begin another export meanwhile.
             completion(result);
         });
-    // Taken here: the job must not look at what the main thread goes on changing.
-    ExportSource source{.loadedFileURL = day_.loadedFileURL(),
-                        .currentRecordingOffset = day_.currentRecordingOffset(),
-                        .selections = ranges ? std::vector<Selection>{} : day_.selections()};
-    begun->job = std::make_unique<BackgroundJob>(
-        "export", [source = std::move(source), ranges = std::move(ranges), outputURL,
-                   progress = begun->progress, finish = std::move(finish),
-                   mainQueue = mainQueue_](const std::stop_token& stop) mutable {
-            const auto result =
-                performFrameWalkExport(source, ranges, outputURL, stop, progress.get());
-            mainQueue->post([finish = std::move(finish), result]() mutable { finish(result); });
-        });
+    try {
+        begun->job = begin(*begun, std::move(ranges), finish);
+    } catch (const std::system_error& error) {
+        giveUp(error.code().message(), std::move(finish));
+    }
+}
+
+/// Taken here: the job must not look at what the main thread goes on changing.
+ExportSource FrameExporter::sourceFor(const std::optional<std::vector<Selection>>& ranges) const {
+    return {.loadedFileURL = day_.loadedFileURL(),
+            .currentRecordingOffset = day_.currentRecordingOffset(),
+            .selections = ranges ? std::vector<Selection>{} : day_.selections(),
+            .recordingsFolders = day_.recordingsFolders()};
+}
+
+std::unique_ptr<BackgroundJob> FrameExporter::begin(const Export& order,
+                                                    std::optional<std::vector<Selection>> ranges,
+                                                    const Finish& finish) const {
+    auto work = [source = sourceFor(ranges), ranges = std::move(ranges), output = order.outputURL,
+                 progress = order.progress, finish,
+                 mainQueue = mainQueue_](const std::stop_token& stop) {
+        const auto result = performFrameWalkExport(
+            source, ranges, output, stop, [&progress](double share) { *progress = share; });
+        mainQueue->post([finish, result] { finish(result); });
+    };
+    return std::make_unique<BackgroundJob>("export", std::move(work),
+                                           BackgroundJob::Priority::asAnyOther);
+}
+
+void FrameExporter::giveUp(const std::string& words, Finish finish) const {
+    const auto result =
+        Result<Done, ExportError>::failure(ExportError(ExportError::Kind::writeFailed, words));
+    mainQueue_->post([finish = std::move(finish), result] { finish(result); });
 }
 
 std::vector<ExportProgress> FrameExporter::underWay() const {

@@ -37,7 +37,7 @@ class FrameExporter {
     FrameExporter& operator=(const FrameExporter&) = delete;
 
     /// Exports `ranges`, or the reviewer's selections when absent, from the day as it is at this
-    /// call, and returns at once. `completion` is called later.
+    /// call, and returns at once. `completion` is called later, also when no thread can be had.
     void exportSelectionsToMP3(std::optional<std::vector<Selection>> ranges,
                                const std::filesystem::path& outputURL, Completion completion);
 
@@ -45,11 +45,19 @@ class FrameExporter {
     std::vector<ExportProgress> underWay() const;
 
   private:
+    using Finish = std::function<void(const Result<Done, ExportError>&)>;
+
     struct Export {
         std::filesystem::path outputURL;
         std::shared_ptr<std::atomic<double>> progress = std::make_shared<std::atomic<double>>(0);
         std::unique_ptr<BackgroundJob> job;
     };
+
+    ExportSource sourceFor(const std::optional<std::vector<Selection>>& ranges) const;
+    std::unique_ptr<BackgroundJob> begin(const Export& order,
+                                         std::optional<std::vector<Selection>> ranges,
+                                         const Finish& finish) const;
+    void giveUp(const std::string& words, Finish finish) const;
 
     const ExportedDay& day_;
     // Shared with the jobs, one of which may hang in a frozen disk and outlive all else.

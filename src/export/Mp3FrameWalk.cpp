@@ -142,7 +142,7 @@ void Mp3FrameWalk::noteSpansAt(double frameEnd) {
 }
 
 void Mp3FrameWalk::skipTo(std::int64_t offset) {
-    at_ = std::clamp(offset, at_, end_);
+    at_ = std::max(at_, std::min(offset, end_));
 }
 
 std::vector<ByteRange> Mp3FrameWalk::found() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -63,7 +64,7 @@ class Mp3FrameWalk {
     bool walkOn(std::int64_t bytes = kStepBytes);
 
     /// How far the walk has come. Range: up to end()
-    std::int64_t position() const { return at_; }
+    std::int64_t position() const { return std::min(at_, end_); }
 
     /// Where the audio ends: a closing ID3v1 tag is no part of it.
     std::int64_t end() const { return end_; }

@@ -19,11 +19,12 @@ struct BackgroundJob::Ending {
     bool ended = false;  // guarded by mutex
 };
 
-BackgroundJob::BackgroundJob(const std::string& name, Work work)
+BackgroundJob::BackgroundJob(const std::string& name, Work work, Priority priority)
     : ending_(std::make_shared<Ending>()),
-      thread_([name, work = std::move(work), stop = stop_.get_token(), ending = ending_]() mutable {
+      thread_([name, priority, work = std::move(work), stop = stop_.get_token(),
+               ending = ending_]() mutable {
           nameThisThread(name);
-          yieldToOthersOnThisThread();
+          if (priority == Priority::yielding) yieldToOthersOnThisThread();
           work(stop);
           work = nullptr;
           const std::scoped_lock lock(ending->mutex);
@@ -31,7 +32,13 @@ BackgroundJob::BackgroundJob(const std::string& name, Work work)
           ending->changed.notify_all();
       }) {}
 
+void BackgroundJob::leave() {
+    stop_.request_stop();
+    if (thread_.joinable()) thread_.detach();
+}
+
 BackgroundJob::~BackgroundJob() {
+    if (!thread_.joinable()) return;
     stop_.request_stop();
     std::unique_lock lock(ending_->mutex);
     const bool ended =

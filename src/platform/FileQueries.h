@@ -18,4 +18,13 @@ inline std::uintmax_t fileSize(const std::filesystem::path& file) {
     return unreadable ? 0 : size;
 }
 
+/// What a name leads to over any symbolic links at its end, also when nothing is there.
+inline std::filesystem::path behindLinks(std::filesystem::path name) {
+    constexpr int kMostLinks = 40;  // as many as the system follows
+    std::error_code unreadable;
+    for (int i = 0; i < kMostLinks && std::filesystem::is_symlink(name, unreadable); ++i)
+        name = name.parent_path() / std::filesystem::read_symlink(name, unreadable);
+    return name;
+}
+
 }  // namespace sonavault

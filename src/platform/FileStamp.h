@@ -20,4 +20,7 @@ struct FileStamp {
 /// is no plain file. Thread: any.
 std::optional<FileStamp> fileStamp(const std::filesystem::path& file);
 
+/// The same of a file that is open. Thread: any.
+std::optional<FileStamp> fileStamp(int descriptor);
+
 }  // namespace sonavault

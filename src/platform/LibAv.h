@@ -21,6 +21,10 @@ struct LibAvDeleter {
     void operator()(AVPacket* packet) const { av_packet_free(&packet); }
     void operator()(AVFrame* frame) const { av_frame_free(&frame); }
     void operator()(AVFormatContext* input) const { avformat_close_input(&input); }
+    void operator()(AVIOContext* io) const {
+        av_freep(&io->buffer);
+        avio_context_free(&io);
+    }
 };
 
 template <class T>

@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <system_error>
-#include <vector>
+#include <cerrno>
+#include <cstdio>
 
-#include "platform/FileQueries.h"
 #include "platform/FrameCodec.h"
 
 namespace sonavault {
@@ -21,8 +20,34 @@ constexpr FrameCount kPreRollFrames = 8192;
 constexpr FrameCount kSilenceFrames = 4096;
 constexpr std::array<float, kSilenceFrames> kSilence{};
 
+/// Where the library is in a file that others may read too.
+struct Reader {
+    OpenFile::Shared file;
+    std::int64_t position = 0;
+
+    static int read(void* self, std::uint8_t* into, int count) {
+        auto& reader = *static_cast<Reader*>(self);
+        const auto got =
+            reader.file->readAt(reader.position, {into, static_cast<std::size_t>(count)});
+        reader.position += static_cast<std::int64_t>(got);
+        return got > 0 ? static_cast<int>(got) : AVERROR_EOF;
+    }
+
+    static std::int64_t seek(void* self, std::int64_t offset, int whence) {
+        auto& reader = *static_cast<Reader*>(self);
+        if (whence == SEEK_SET) return reader.position = offset;
+        // The library turns all others but this into that.
+        if (whence != AVSEEK_SIZE) return AVERROR(EINVAL);
+        const auto stamp = reader.file->stamp();
+        return stamp ? stamp->size : AVERROR(EIO);
+    }
+};
+
 /// An open container, and its sound track in it.
 struct Track {
+    // In the order in which each needs the one before.
+    std::unique_ptr<Reader> reader;
+    LibAvPtr<AVIOContext> io;
     LibAvPtr<AVFormatContext> input;
     AVStream* stream = nullptr;  // belongs to input
     AudioFileInfo info;
@@ -36,42 +61,52 @@ std::string wordsOf(int error) {
     return text.data();
 }
 
-std::int64_t packetsThatAreThere(AVStream* stream, std::uintmax_t fileBytes) {
+std::int64_t packetsThatAreThere(AVStream* stream, std::int64_t fileBytes) {
     std::int64_t found = 0;
     for (int i = 0; i < avformat_index_get_entries_count(stream); ++i) {
         const AVIndexEntry* const entry = avformat_index_get_entry(stream, i);
         const std::int64_t end = entry->pos + entry->size;
-        if (entry->size > 0 && end <= static_cast<std::int64_t>(fileBytes)) ++found;
+        if (entry->size > 0 && end <= fileBytes) ++found;
     }
     return found;
 }
 
-/// Opens the container and nothing else that it may point at.
-Result<LibAvPtr<AVFormatContext>> openContainer(const std::filesystem::path& file) {
-    using Opened = Result<LibAvPtr<AVFormatContext>>;
-    silenceLibAv();
-    std::error_code error;
-    const auto status = std::filesystem::status(file, error);
-    if (error) return Opened::failure(error.message());
-    if (!std::filesystem::is_regular_file(status)) return Opened::failure("Not a plain file");
-
-    AVDictionary* options = nullptr;
-    av_dict_set(&options, "protocol_whitelist", "file", 0);
-    AVFormatContext* input = nullptr;
-    const std::string address = "file:" + file.string();
-    const int opened =
-        avformat_open_input(&input, address.c_str(), av_find_input_format("mov"), &options);
-    av_dict_free(&options);
-    if (opened < 0) return Opened::failure(wordsOf(opened));
-    return LibAvPtr<AVFormatContext>(input);
+LibAvPtr<AVIOContext> ioOf(Reader& reader) {
+    constexpr int kBufferBytes = 32 << 10;
+    auto* const buffer = static_cast<unsigned char*>(av_malloc(kBufferBytes));
+    if (!buffer) return nullptr;
+    LibAvPtr<AVIOContext> io(
+        avio_alloc_context(buffer, kBufferBytes, 0, &reader, Reader::read, nullptr, Reader::seek));
+    if (!io) av_free(buffer);
+    return io;
 }
 
-Result<Track> openTrack(const std::filesystem::path& file) {
+/// Opens the container and nothing else that it may point at.
+Outcome openContainer(const OpenFile::Shared& file, Track& track) {
+    silenceLibAv();
+    track.reader = std::make_unique<Reader>(Reader{file});
+    track.io = ioOf(*track.reader);
+    AVFormatContext* input = avformat_alloc_context();
+    if (!track.io || !input) {
+        avformat_free_context(input);
+        return Outcome::failure(wordsOf(AVERROR(ENOMEM)));
+    }
+    input->pb = track.io.get();
+    AVDictionary* options = nullptr;
+    av_dict_set(&options, "protocol_whitelist", "none", 0);
+    // A context that does not open is freed by this.
+    const int opened = avformat_open_input(&input, "", av_find_input_format("mov"), &options);
+    av_dict_free(&options);
+    if (opened < 0) return Outcome::failure(wordsOf(opened));
+    track.input.reset(input);
+    return Done{};
+}
+
+Result<Track> openTrack(const OpenFile::Shared& file) {
     using Opened = Result<Track>;
-    auto input = openContainer(file);
-    if (!input) return Opened::failure(input.error());
     Track track;
-    track.input = std::move(input.value());
+    if (const auto opened = openContainer(file, track); !opened)
+        return Opened::failure(opened.error());
     const int found =
         av_find_best_stream(track.input.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
     if (found < 0) return Opened::failure("The file holds no sound track");
@@ -83,7 +118,8 @@ Result<Track> openTrack(const std::filesystem::path& file) {
         track.stream->duration == AV_NOPTS_VALUE
             ? 0
             : av_rescale_q(track.stream->duration, track.stream->time_base, track.frameTime());
-    const std::int64_t packets = packetsThatAreThere(track.stream, fileSize(file));
+    const std::int64_t packets =
+        packetsThatAreThere(track.stream, file->stamp().value_or(FileStamp{}).size);
     track.info.frames = std::clamp<std::int64_t>(told, 0, packets * kMostFramesInAPacket);
     return track;
 }
@@ -180,12 +216,24 @@ bool isM4aName(const std::filesystem::path& file) {
 }
 
 Result<AudioFileInfo> readM4aInfo(const std::filesystem::path& file) {
+    const auto opened = OpenFile::open(file);
+    if (!opened) return Result<AudioFileInfo>::failure(opened.error());
+    return readM4aInfo(opened.value());
+}
+
+Result<AudioFileInfo> readM4aInfo(const OpenFile::Shared& file) {
     const auto track = openTrack(file);
     if (!track) return Result<AudioFileInfo>::failure(track.error());
     return track.value().info;
 }
 
 Result<std::unique_ptr<AudioDecoder>> openM4a(const std::filesystem::path& file) {
+    const auto opened = OpenFile::open(file);
+    if (!opened) return Result<std::unique_ptr<AudioDecoder>>::failure(opened.error());
+    return openM4a(opened.value());
+}
+
+Result<std::unique_ptr<AudioDecoder>> openM4a(const OpenFile::Shared& file) {
     using Opened = Result<std::unique_ptr<AudioDecoder>>;
     auto track = openTrack(file);
     if (!track) return Opened::failure(track.error());

@@ -5,6 +5,7 @@
 
 #include "platform/AudioDecoder.h"
 #include "platform/AudioFileInfo.h"
+#include "platform/OpenFile.h"
 
 namespace sonavault {
 
@@ -19,11 +20,13 @@ bool isM4aName(const std::filesystem::path& file);
 ///
 /// Thread: any. Errors: words, when the file can't be read or holds no sound track.
 Result<AudioFileInfo> readM4aInfo(const std::filesystem::path& file);
+Result<AudioFileInfo> readM4aInfo(const OpenFile::Shared& file);
 
 /// A seek gives the sound of the place, but where the sound holds noise that a decoder makes up,
 /// not the same noise.
 ///
 /// Errors: as readM4aInfo(), and when there is no decoder for the track.
 Result<std::unique_ptr<AudioDecoder>> openM4a(const std::filesystem::path& file);
+Result<std::unique_ptr<AudioDecoder>> openM4a(const OpenFile::Shared& file);
 
 }  // namespace sonavault

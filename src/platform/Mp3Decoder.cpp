@@ -21,15 +21,21 @@ void stretch(std::span<const float> source, std::span<float> target) {
 
 Result<std::unique_ptr<AudioDecoder>> openMp3(std::shared_ptr<const Mp3FrameIndex> index) {
     using Opened = Result<std::unique_ptr<AudioDecoder>>;
-    auto file = FileWindow::open(index->file());
+    auto file = OpenFile::open(index->file());
     if (!file) return Opened::failure(file.error());
+    return openMp3(std::move(index), std::move(file.value()));
+}
+
+Result<std::unique_ptr<AudioDecoder>> openMp3(std::shared_ptr<const Mp3FrameIndex> index,
+                                              OpenFile::Shared file) {
+    using Opened = Result<std::unique_ptr<AudioDecoder>>;
     auto codec = FrameCodec::open(AV_CODEC_ID_MP3, nullptr);
     if (!codec) return Opened::failure("There is no decoder for MPEG audio");
     return std::unique_ptr<AudioDecoder>(
-        std::make_unique<Mp3Decoder>(std::move(index), std::move(file.value()), std::move(codec)));
+        std::make_unique<Mp3Decoder>(std::move(index), std::move(file), std::move(codec)));
 }
 
-Mp3Decoder::Mp3Decoder(std::shared_ptr<const Mp3FrameIndex> index, FileWindow file,
+Mp3Decoder::Mp3Decoder(std::shared_ptr<const Mp3FrameIndex> index, OpenFile::Shared file,
                        std::unique_ptr<FrameCodec> codec)
     : index_(std::move(index)),
       file_(std::move(file)),

@@ -18,7 +18,7 @@ class Mp3Decoder final : public AudioDecoder {
     /// overlaps the one before.
     static constexpr std::int64_t kPreRollFrames = 32;
 
-    Mp3Decoder(std::shared_ptr<const Mp3FrameIndex> index, FileWindow file,
+    Mp3Decoder(std::shared_ptr<const Mp3FrameIndex> index, OpenFile::Shared file,
                std::unique_ptr<FrameCodec> codec);
 
     double sampleRate() const override { return index_->info().sampleRate; }
@@ -45,7 +45,11 @@ class Mp3Decoder final : public AudioDecoder {
     std::vector<float> stretched_[2];
 };
 
-/// Errors: words, when the file can't be opened any more.
+/// Opens the file of that name. Errors: words, when it can't be opened any more.
 Result<std::unique_ptr<AudioDecoder>> openMp3(std::shared_ptr<const Mp3FrameIndex> index);
+
+/// `file`: the one that the index is of, also when it has lost its name since.
+Result<std::unique_ptr<AudioDecoder>> openMp3(std::shared_ptr<const Mp3FrameIndex> index,
+                                              OpenFile::Shared file);
 
 }  // namespace sonavault

@@ -37,11 +37,17 @@ Result<Mp3FrameIndex> Mp3FrameIndex::of(const std::filesystem::path& file,
 }
 
 Result<FrameCount> Mp3FrameIndex::extend(const std::stop_token& stop) {
+    const auto opened = OpenFile::open(file_);
+    if (!opened) return Result<FrameCount>::failure(opened.error());
+    return extend(*opened.value(), stop);
+}
+
+Result<FrameCount> Mp3FrameIndex::extend(const OpenFile& opened, const std::stop_token& stop) {
     using Extended = Result<FrameCount>;
-    const auto mapped = MappedFile::open(file_, MappedFile::Order::frontToBack);
+    const auto stamp = opened.stamp();
+    const auto mapped = MappedFile::of(opened.descriptor(), MappedFile::Order::frontToBack);
     if (!mapped) return Extended::failure(mapped.error());
     const auto bytes = mapped.value().bytes();
-    const auto stamp = fileStamp(file_);
 
     const bool sameFile = stamp && stamp_ && stamp->inode == stamp_->inode;
     const bool continued = sameFile && isContinuedIn(bytes);

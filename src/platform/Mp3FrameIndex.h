@@ -12,6 +12,7 @@
 #include "platform/FileStamp.h"
 #include "platform/MappedFile.h"
 #include "platform/Mp3Length.h"
+#include "platform/OpenFile.h"
 
 namespace sonavault {
 
@@ -62,6 +63,9 @@ class Mp3FrameIndex {
     ///
     /// Errors: as of(); what was known before then stands.
     Result<FrameCount> extend(const std::stop_token& stop = {});
+
+    /// The same of the file behind `opened`, whatever has become of its name.
+    Result<FrameCount> extend(const OpenFile& opened, const std::stop_token& stop = {});
 
     const std::filesystem::path& file() const { return file_; }
 

@@ -1,6 +1,7 @@
 #include "platform/SourceFile.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include "platform/AtomicFile.h"
+#include "platform/FileQueries.h"
 #include "platform/SystemError.h"
 
 namespace sonavault {
@@ -17,7 +19,13 @@ namespace {
 constexpr std::int64_t kSystemPiece = std::int64_t{16} << 20;
 constexpr std::int64_t kProcessPiece = std::int64_t{1} << 20;
 
-// Each of these moves `rest.begin` over what is copied and gives 0 or the number of an error.
+/// Why a range was not copied.
+struct CopyError {
+    int number = 0;  // 0 when it was
+    bool ofSource = false;
+};
+
+// Both of these move `rest.begin` over what is copied. The system does not tell the sides apart.
 
 int copyBySystem(int from, int to, ByteRange& rest, const std::stop_token& stop) {
     while (rest.size() > 0) {
@@ -44,32 +52,58 @@ int writeAll(int to, const char* bytes, std::size_t count) {
     return 0;
 }
 
-int copyByProcess(int from, int to, ByteRange& rest, const std::stop_token& stop) {
+CopyError copyByProcess(int from, int to, ByteRange& rest, const std::stop_token& stop) {
     std::vector<char> piece(static_cast<std::size_t>(std::min(rest.size(), kProcessPiece)));
     while (rest.size() > 0) {
-        if (stop.stop_requested()) return ECANCELED;
+        if (stop.stop_requested()) return {ECANCELED};
         const auto wanted = std::min(piece.size(), static_cast<std::size_t>(rest.size()));
         const auto read = ::pread(from, piece.data(), wanted, rest.begin);
         if (read < 0 && errno == EINTR) continue;
-        if (read < 0) return errno;
+        if (read < 0) return {errno, true};
         // The file was cut short since it was opened.
-        if (read == 0) return ENODATA;
+        if (read == 0) return {ENODATA, true};
         if (const int error = writeAll(to, piece.data(), static_cast<std::size_t>(read)))
-            return error;
+            return {error};
         rest.begin += read;
     }
-    return 0;
+    return {};
 }
 
 /// Where the system can't copy, between two disks or on one that it has no such call for, nothing
 /// tells this from a true error but the second way, which then meets that error itself.
-int copyRange(int from, int to, ByteRange range, const std::stop_token& stop,
-              SourceFile::CopyBy by) {
+CopyError copyRange(int from, int to, ByteRange range, const std::stop_token& stop,
+                    SourceFile::CopyBy by) {
     if (by == SourceFile::CopyBy::system) {
         const int error = copyBySystem(from, to, range, stop);
-        if (error == 0 || error == ECANCELED) return error;
+        if (error == 0 || error == ECANCELED) return {error};
     }
     return copyByProcess(from, to, range, stop);
+}
+
+/// 0 or the number of an error. A disk that knows no such request is as good as it gets.
+int flush(int descriptor) {
+    while (::fdatasync(descriptor) != 0) {
+        if (errno == EINVAL || errno == ENOTSUP) return 0;
+        if (errno != EINTR) return errno;
+    }
+    return 0;
+}
+
+/// The name of a file that was just put there comes back after a power cut only when its folder has
+/// been flushed too; where that fails there is nothing left to try.
+void flushFolder(const std::filesystem::path& folder) {
+    const int descriptor =
+        ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0) return;
+    ::fsync(descriptor);
+    ::close(descriptor);
+}
+
+/// The new file may be read and written by whom the old one could.
+void takeOverMode(const std::filesystem::path& old, int descriptor) {
+    struct stat status {};
+    if (::stat(old.c_str(), &status) == 0 && S_ISREG(status.st_mode))
+        ::fchmod(descriptor, status.st_mode & 07777);
 }
 
 }  // namespace
@@ -107,14 +141,22 @@ std::int64_t SourceFile::nextData(std::int64_t from) const {
     return std::min<std::int64_t>(found, size);
 }
 
-Outcome SourceFile::writeRanges(std::span<const ByteRange> ranges,
-                                const std::filesystem::path& file, const std::stop_token& stop,
-                                CopyBy by) const {
-    return writeFileAtomically(file, [&](int to) {
-        for (const auto& range : ranges)
-            if (const int error = copyRange(descriptor_, to, range, stop, by)) return error;
-        return 0;
+Result<Done, CopyFailure> SourceFile::writeRanges(std::span<const ByteRange> ranges,
+                                                  const std::filesystem::path& file,
+                                                  const std::stop_token& stop, CopyBy by) const {
+    const auto target = behindLinks(file);
+    CopyError error;
+    const auto written = writeFileAtomically(target, [&](int to) {
+        takeOverMode(target, to);
+        for (const auto& range : ranges) {
+            error = copyRange(descriptor_, to, range, stop, by);
+            if (error.number != 0) return error.number;
+        }
+        return flush(to);
     });
+    if (!written) return Result<Done, CopyFailure>::failure({error.ofSource, written.error()});
+    flushFolder(target.parent_path());
+    return Done{};
 }
 
 }  // namespace sonavault

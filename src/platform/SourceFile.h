@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <span>
 #include <stop_token>
+#include <string>
 
 #include "platform/MappedFile.h"
 #include "platform/Result.h"
@@ -17,6 +18,12 @@ struct ByteRange {
 
     std::int64_t size() const { return end - begin; }
     bool operator==(const ByteRange&) const = default;
+};
+
+/// Why a copy was not made: what came between, and on which side.
+struct CopyFailure {
+    bool ofSource = false;  ///< the source could not be read; else the copy could not be written
+    std::string words;      ///< the system's
 };
 
 /// A file as it was at opening, to look at and to copy ranges from, which are the same file's even
@@ -45,11 +52,17 @@ class SourceFile {
     std::int64_t nextData(std::int64_t from) const;
 
     /// Joins `ranges`, in their order, into a file of that name in one step: it is the old one or
-    /// has all of them. What the system can't copy the process does.
+    /// has all of them. What the system can't copy the process does. On return the bytes are on the
+    /// disk.
     ///
-    /// Errors: the system's words, also when `stop` was asked for; nothing is left behind then.
-    Outcome writeRanges(std::span<const ByteRange> ranges, const std::filesystem::path& file,
-                        const std::stop_token& stop = {}, CopyBy by = CopyBy::system) const;
+    /// A file that was there is replaced as if it were written anew: it keeps its mode, and a
+    /// symbolic link goes on leading to it.
+    ///
+    /// Errors: also when `stop` was asked for; nothing is left behind then.
+    Result<Done, CopyFailure> writeRanges(std::span<const ByteRange> ranges,
+                                          const std::filesystem::path& file,
+                                          const std::stop_token& stop = {},
+                                          CopyBy by = CopyBy::system) const;
 
   private:
     SourceFile(int descriptor, MappedFile mapped)

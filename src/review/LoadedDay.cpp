@@ -39,14 +39,14 @@ void LoadedDay::loadRecording(const std::filesystem::path& audio, bool silent) {
     log_.line("Sonavault: Loaded recording — " + shortest(loadedFile()->durationSec()) + "s @ " +
               shortest(loadedFile()->sampleRate) + "Hz from " + audio.string());
     peaks_.clear();
-    host_.redrawSummaryBar();
     playheadSec_ = currentRecordingOffset().value;
     host_.updatePlayheadVisuals();
     peaks_.loadOrGeneratePeaks(audio);
     loadMarkersForLoadedRecording();
 }
 
-void LoadedDay::refuse(const std::filesystem::path& audio, const std::string& error, bool silent) {
+/// `audio` by value: the caller's may be a member that is cleared here.
+void LoadedDay::refuse(std::filesystem::path audio, const std::string& error, bool silent) {
     log_.line("Sonavault: Failed to load recording at " + audio.string() + ": " + error);
     clearAndShow();
     if (!silent) host_.showWarning("Couldn't load recording", couldNotBeOpened(audio, error));
@@ -64,13 +64,15 @@ void LoadedDay::readManifestOf(const std::filesystem::path& audio) {
 }
 
 void LoadedDay::selectAndLoadRecording(const std::string& date) {
-    const auto row = days_.rowOf(date);
-    if (!row) return;
-    days_.setSelectedDate(date);
-    if (row->audioURL)
-        loadRecording(*row->audioURL);
+    if (const auto row = days_.rowOf(date)) selectAndLoad(*row);
+}
+
+void LoadedDay::selectAndLoad(const DailyRecording& row) {
+    days_.setSelectedDate(row.date);
+    if (row.audioURL)
+        loadRecording(*row.audioURL);
     else
-        log_.line("Sonavault: row " + date + " has no audio file on disk; selection only");
+        log_.line("Sonavault: row " + row.date + " has no audio file on disk; selection only");
     host_.renderDateList();
 }
 
@@ -109,7 +111,6 @@ void LoadedDay::unload() {
 void LoadedDay::clearAndShow() {
     clear();
     host_.renderTimeline();
-    host_.redrawSummaryBar();
 }
 
 void LoadedDay::clear() {

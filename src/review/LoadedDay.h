@@ -33,8 +33,11 @@ class LoadedDay {
     /// Puts a day under review. `silent`: nobody asked for it, so a failure is not worth an alert.
     void loadRecording(const std::filesystem::path& audio, bool silent = false);
 
-    /// The person chose a date: selects its row and loads its file, if it has one.
+    /// The person chose a date: selects its row and loads its file.
     void selectAndLoadRecording(const std::string& date);
+
+    /// The same of a row; one without a file leaves the day under review as it is.
+    void selectAndLoad(const DailyRecording& row);
 
     /// Loads today's recording, or else the newest; nothing when there is none.
     void loadStartupRecording();
@@ -73,7 +76,7 @@ class LoadedDay {
   private:
     void clear();
     void clearAndShow();
-    void refuse(const std::filesystem::path& audio, const std::string& error, bool silent);
+    void refuse(std::filesystem::path audio, const std::string& error, bool silent);
     void readManifestOf(const std::filesystem::path& audio);
     void autoLoad(const DailyRecording& row, const std::string& which);
     void refreshMarkerLanes();

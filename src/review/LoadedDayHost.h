@@ -25,8 +25,6 @@ class LoadedDayHost {
     /// Draws lanes and selections anew, for another day or none.
     virtual void renderTimeline() = 0;
 
-    virtual void redrawSummaryBar() = 0;
-
     /// Shows a sentence where a day without events has none; hidden when there is no text.
     virtual void showEmptyState(const std::string& text) = 0;
 

@@ -107,6 +107,7 @@ void Playback::feedFrom(FrameCount frame, double playheadSec) {
     soundFromFrame_ = frame;
     soundFromSec_ = playheadSec;
     heardFrames_ = 0;
+    openingSec_ = 0;
     sound_ = std::make_shared<AudioOutputSound>(day_.loadedFile()->sampleRate);
     feeder_.feed(day_.playbackSource(), frame, sound_);
     output_.play(sound_);
@@ -116,10 +117,13 @@ void Playback::catchUp() {
     if (!sound_) return;
     const FrameCount heard = sound_->taken();
     // While nothing is heard at all, there is nothing to be gained.
-    if (std::exchange(heardFrames_, heard) == heard) return;
+    const FrameCount before = std::exchange(heardFrames_, heard);
+    if (before == heard) return;
     const double rate = sound_->sampleRate;
     const double playedSec = day_.playheadSec() - soundFromSec_;
-    if (playedSec - static_cast<double>(heard) / rate < kLateBySec) return;
+    const double lateSec = playedSec - static_cast<double>(heard) / rate;
+    if (before == 0 && lateSec <= kOpensWithinSec) openingSec_ = std::max(0.0, lateSec);
+    if (lateSec - openingSec_ < kLateBySec) return;
     const FrameCount frame = soundFromFrame_ + static_cast<FrameCount>(playedSec * rate);
     if (frame < day_.loadedFile()->frames) feedFrom(frame, day_.playheadSec());
 }

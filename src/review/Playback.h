@@ -26,6 +26,10 @@ class Playback {
     /// seconds
     static constexpr double kLateBySec = 0.5;
 
+    /// A device that takes no longer to open than this skips nothing of the beginning: what is
+    /// heard then stays that much behind. Units: seconds
+    static constexpr double kOpensWithinSec = 3;
+
     /// All outlive this object.
     Playback(PlaybackHost& host, LoadedDay& day, PeaksCache& peaks, AudioOutput& output,
              const Clock& clock, Log& log);
@@ -89,6 +93,7 @@ class Playback {
     FrameCount soundFromFrame_ = 0;
     double soundFromSec_ = 0;
     FrameCount heardFrames_ = 0;
+    double openingSec_ = 0;  // how far the playhead had run when the first frame was heard
 
     PlaybackFeeder feeder_;
 };

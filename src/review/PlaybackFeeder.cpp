@@ -1,9 +1,9 @@
 #include "review/PlaybackFeeder.h"
 
-#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <stop_token>
 #include <utility>
 #include <vector>
 
@@ -22,7 +22,9 @@ struct Job {
     std::shared_ptr<const PlaybackSource> source;
     FrameCount from;
     std::shared_ptr<AudioOutputSound> sound;
-    std::atomic<bool> isOver{false};
+    std::stop_source over;
+
+    bool isOver() const { return over.stop_requested(); }
 
     Job(std::shared_ptr<const PlaybackSource> ofSource, FrameCount fromFrame,
         std::shared_ptr<AudioOutputSound> intoSound)
@@ -67,7 +69,7 @@ class PlaybackFeeder::Worker {
 void PlaybackFeeder::Worker::take(std::shared_ptr<Job> job) {
     const std::scoped_lock lock(mutex_);
     if (job_) {
-        job_->isOver = true;
+        job_->over.request_stop();
         job_->sound->wake();
     }
     job_ = std::move(job);
@@ -109,7 +111,7 @@ bool PlaybackFeeder::Worker::awaitNews() {
 void PlaybackFeeder::Worker::serve(Job& job) {
     if (!openFileOf(job)) return;
     decoder_->seek(job.from);
-    while (!job.isOver) {
+    while (!job.isOver()) {
         const DecodedAudio piece = decoder_->next(kPieceFrames);
         if (piece.frames == 0) return;
         interleave(piece);
@@ -121,7 +123,7 @@ bool PlaybackFeeder::Worker::openFileOf(const Job& job) {
     if (decoder_ && source_ == job.source) return true;
     decoder_.reset();
     source_ = job.source;
-    auto opened = job.source->openDecoder();
+    auto opened = job.source->openDecoder(job.over.get_token());
     if (opened) decoder_ = std::move(opened.value());
     return decoder_ != nullptr;
 }
@@ -139,7 +141,7 @@ void PlaybackFeeder::Worker::interleave(const DecodedAudio& piece) {
 
 void PlaybackFeeder::Worker::push(Job& job, FrameCount frames) const {
     FrameCount pushed = job.sound->push(samples_.data(), frames);
-    while (pushed < frames && !job.isOver) {
+    while (pushed < frames && !job.isOver()) {
         job.sound->awaitRoom();
         pushed += job.sound->push(samples_.data() + 2 * pushed, frames - pushed);
     }

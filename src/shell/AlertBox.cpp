@@ -17,11 +17,10 @@ constexpr int kMargin = 20;
 constexpr int kLeastTextWidth = 340;
 
 void showIcon(QMessageBox& box, const Alert& alert) {
-    if (alert.showsApplicationIcon)
-        box.setIconPixmap(applicationIcon().pixmap(kIconSize, kIconSize));
+    if (alert.style == Alert::warning && !alert.showsApplicationIcon)
+        box.setIcon(QMessageBox::Warning);
     else
-        box.setIcon(alert.style == Alert::warning ? QMessageBox::Warning
-                                                  : QMessageBox::Information);
+        box.setIconPixmap(applicationIcon().pixmap(kIconSize, kIconSize));
 }
 
 /// The message stands out from what is said about it.

@@ -27,6 +27,16 @@ std::optional<double> ExportDesk::progress() const {
     return sum / static_cast<double>(underWay.size());
 }
 
+std::vector<std::filesystem::path> ExportDesk::recordingsFolders() const {
+    std::vector<std::filesystem::path> folders;
+    if (const auto listed = services_.recorder.stationFolder.recordingsFolder())
+        folders.push_back(*listed);
+    // The recorder goes on where it began when the station's folder has become another.
+    if (const auto recorded = review_.lastRecordingURL())
+        folders.push_back(recorded->parent_path());
+    return folders;
+}
+
 std::size_t ExportDesk::showAlert(const ExportAlert& alert) {
     QStringList buttons;
     for (const auto& button : alert.buttons) buttons << QString::fromStdString(button);

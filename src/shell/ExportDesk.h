@@ -51,6 +51,7 @@ class ExportDesk final : private ExportedDay, private ExportHost {
     }
     std::string selectedDate() const override { return review_.days().selectedDate(); }
     std::vector<Selection> selections() const override { return selections_.selections(); }
+    std::vector<std::filesystem::path> recordingsFolders() const override;
 
     // ExportHost
     std::size_t showAlert(const ExportAlert& alert) override;

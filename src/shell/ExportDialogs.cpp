@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QLayout>
 
+#include "platform/FileQueries.h"
 #include "shell/AlertBox.h"
 #include "views/Theme.h"
 
@@ -53,7 +54,7 @@ struct HourChoice {
     QComboBox* end;
 };
 
-/// What the panel is for stands above everything in it, where the panel is not the desktop's own.
+/// What the panel is for stands above everything in it.
 void showMessage(QFileDialog& dialog, const std::string& message) {
     if (!dialog.layout()) return;
     auto* label = new QLabel(text(message));
@@ -62,7 +63,27 @@ void showMessage(QFileDialog& dialog, const std::string& message) {
     dialog.layout()->setMenuBar(label);
 }
 
+std::filesystem::path withMp3Suffix(std::filesystem::path file) {
+    const auto suffix = QString::fromStdString(file.extension().string()).toLower();
+    if (suffix != QStringLiteral(".mp3")) file += ".mp3";
+    return file;
+}
+
+/// The panel has asked for the name that was typed, not for the one that came of it.
+bool mayReplace(const std::filesystem::path& file) {
+    AlertBox box({.style = Alert::warning,
+                  .message = text(file.filename().string()) + QStringLiteral(" exists already."),
+                  .information = QStringLiteral("Replacing it loses what it holds now."),
+                  .buttons = {QStringLiteral("Replace"), QStringLiteral("Cancel")}});
+    return box.showModally() == 0;
+}
+
 }  // namespace
+
+QString panelTitle(const SavePanel& panel, bool hasRoomForMessage) {
+    if (hasRoomForMessage) return text(panel.title);
+    return text(panel.title + " — " + panel.message);
+}
 
 AircheckAnswer WindowExportDialogs::askForAircheck(const AircheckQuestion& question) {
     Alert alert{.message = text(question.message), .information = text(question.information)};
@@ -84,8 +105,13 @@ std::optional<std::filesystem::path> WindowExportDialogs::chooseOutput(const Sav
     dialog.setDefaultSuffix(QStringLiteral("mp3"));
     dialog.selectFile(text(panel.nameField));
     showMessage(dialog, panel.message);
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
-    return std::filesystem::path(dialog.selectedFiles().constFirst().toStdString());
+    dialog.setWindowTitle(panelTitle(panel, dialog.layout() != nullptr));
+    while (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty()) {
+        const std::filesystem::path typed(dialog.selectedFiles().constFirst().toStdString());
+        const auto chosen = withMp3Suffix(typed);
+        if (chosen == typed || !pathExists(chosen) || mayReplace(chosen)) return chosen;
+    }
+    return std::nullopt;
 }
 
 }  // namespace sonavault

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <filesystem>
 #include <optional>
 
@@ -22,6 +23,9 @@ class ExportDialogs {
     /// when they did not.
     virtual std::optional<std::filesystem::path> chooseOutput(const SavePanel& panel) = 0;
 };
+
+/// What stands over a save panel. One of the desktop's own has no other place for its message.
+QString panelTitle(const SavePanel& panel, bool hasRoomForMessage);
 
 /// Dialogs in front of the window that is in use, the desktop's own where it has them.
 class WindowExportDialogs final : public ExportDialogs {

@@ -39,6 +39,12 @@ bool editsText() {
            qobject_cast<const QAbstractSpinBox*>(focus);
 }
 
+/// The keyboard is in the menu bar, or in a list that is open before the window.
+bool choosesFromMenu() {
+    return QApplication::activePopupWidget() ||
+           qobject_cast<const QMenuBar*>(QApplication::focusWidget());
+}
+
 /// Held down, an arrow goes on and on; anything else happens once.
 bool repeats(KeyCommand command) {
     using enum KeyCommand;
@@ -87,7 +93,7 @@ bool KeyMonitor::eventFilter(QObject* receiver, QEvent* event) {
 std::optional<KeyCommand> KeyMonitor::commandOf(QObject* receiver, const QKeyEvent& event) const {
     // A key goes to the system's window first, and from there to a widget.
     const auto* widget = qobject_cast<const QWidget*>(receiver);
-    if (!widget) return std::nullopt;
+    if (!widget || choosesFromMenu()) return std::nullopt;
     // An open menu hands the arrows on to the menu bar, which stands in the window.
     if (qobject_cast<const QMenuBar*>(widget)) return std::nullopt;
     return keyCommand(keyEventOf(event), {.editsText = editsText(),

@@ -40,6 +40,9 @@ class ReviewDesk final : private DayListHost,
     /// Shows the days as they were last read.
     void renderDateList() override;
 
+    /// The audio file that the recorder opened last; nothing without a recorder.
+    std::optional<std::filesystem::path> lastRecordingURL() const override;
+
     /// How much audio the day under review holds, and from when on; nothing without a day.
     std::optional<AudioExtent> audioExtent() const;
 
@@ -56,6 +59,7 @@ class ReviewDesk final : private DayListHost,
 
     // PeaksHost
     void setStatusBarText(const std::string& text) override { screen_.setStatusBarText(text); }
+    void redrawSummaryBar() override { screen_.redrawSummaryBar(); }
 
     // LoadedDayHost
     void stopPlayback() override { playback_.stopPlayback(); }
@@ -70,11 +74,9 @@ class ReviewDesk final : private DayListHost,
 
     // Several of the four
     void updatePlayheadVisuals() override { screen_.updatePlayheadVisuals(); }
-    std::optional<std::filesystem::path> lastRecordingURL() const override;
     std::optional<std::filesystem::path> loadedFileURL() const override {
         return day_.loadedFileURL();
     }
-    void redrawSummaryBar() override { screen_.redrawSummaryBar(); }
 
     ShellServices& services_;
     ReviewScreen& screen_;

@@ -50,7 +50,8 @@ void TimelineDesk::renderTimeline() {
     playhead_.setMarkers(allMarkers());
     layOutLogsTab();
     view_->showEmptyState(emptyStateText(allMarkers()).value_or(""));
-    updatePlayheadVisuals();
+    // Without a day there is no place for the clock to tell; with one, its markers may be others.
+    if (review_.day().loadedFileURL()) updatePlayheadVisuals();
 }
 
 void TimelineDesk::setStatusBarText(const std::string& text) {

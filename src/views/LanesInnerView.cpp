@@ -92,7 +92,7 @@ QString LanesInnerView::hintAt(QPoint point) const {
 QString LanesInnerView::playheadReadout() const {
     const DaySeconds playhead = host_.playheadSec();
     std::string text = formatTime(playhead.value);
-    const double x = xAt(playhead, rows_.timelineWidth);
+    const double x = xAt(playhead, mappingWidth(rows_.timelineWidth, width()));
     for (const LaneView& each : lanes_)
         if (const Marker* marker = each.markerAt({x, each.frame().y + each.frame().height / 2}))
             text += "; " + markerReadout(*marker);
@@ -150,7 +150,8 @@ void LanesInnerView::mousePressEvent(QMouseEvent* event) {
 
 void LanesInnerView::clickBareTimeline(Point place) {
     const Marker* marker = markerAt(place);
-    host_.jumpTo(marker ? DaySeconds{marker->timeSec} : secAt(place.x, rows_.timelineWidth));
+    host_.jumpTo(marker ? DaySeconds{marker->timeSec}
+                        : secAt(place.x, mappingWidth(rows_.timelineWidth, width())));
 }
 
 void LanesInnerView::mouseMoveEvent(QMouseEvent* event) {

@@ -24,6 +24,7 @@ class FakeDesk final : public ExportHost, public ExportedDay {
     DaySeconds currentRecordingOffset() const override { return offset; }
     std::string selectedDate() const override { return date; }
     std::vector<Selection> selections() const override { return chosen; }
+    std::vector<std::filesystem::path> recordingsFolders() const override { return recordings; }
 
     std::size_t showAlert(const ExportAlert& alert) override {
         alerts.push_back(alert);
@@ -49,6 +50,7 @@ class FakeDesk final : public ExportHost, public ExportedDay {
     DaySeconds offset;
     std::string date = "2026-05-08";
     std::vector<Selection> chosen;
+    std::vector<std::filesystem::path> recordings;
 
     // What the person answers.
     std::size_t alertAnswer = 0;

@@ -2,6 +2,7 @@
 
 #include "export/ExportFixture.h"
 #include "export/LiteralFrameWalk.h"
+#include "support/NoThreads.h"
 
 namespace sonavault::testing {
 namespace {
@@ -87,6 +88,32 @@ TEST_F(FrameExporterTest, may_begin_another_export_from_its_callback) {
         });
     finishExports();
     EXPECT_EQ(readFile(home_ / "two.mp3"), LiteralFrameWalk::cut(day_, {{3, 4}}));
+}
+
+TEST_F(FrameExporterTest, tells_when_no_thread_is_to_be_had_and_is_done_with_it) {
+    loadDay(100);
+    {
+        const NoThreads none;
+        exporter_.exportSelectionsToMP3(std::vector{selection(1, 2)}, home_ / "cut.mp3",
+                                        remember());
+    }
+    EXPECT_TRUE(results_.empty()) << "told later, as ever";
+    mainQueue_.runAll();
+    EXPECT_EQ(results_,
+              std::vector<std::string>{"Could not write output: Resource temporarily unavailable"});
+    EXPECT_TRUE(exporter_.underWay().empty());
+}
+
+TEST_F(FrameExporterTest, does_not_replace_a_day_in_a_folder_of_recordings) {
+    loadDay(100);
+    desk_.recordings = {home_ / "recorded"};
+    writeFile(home_ / "recorded/Sonavault_2026-05-09.mp3", "being recorded");
+    exporter_.exportSelectionsToMP3(std::vector{selection(1, 2)},
+                                    home_ / "recorded/Sonavault_2026-05-09.mp3", remember());
+    finishExports();
+    EXPECT_EQ(results_,
+              std::vector<std::string>{"Could not write output: it is a day's recording"});
+    EXPECT_EQ(readFile(home_ / "recorded/Sonavault_2026-05-09.mp3"), "being recorded");
 }
 
 TEST_F(FrameExporterTest, calls_nobody_back_once_it_is_gone) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 
 #include "export/LiteralFrameWalk.h"
@@ -188,10 +189,58 @@ TEST_F(FrameWalkExportTest, gives_up_when_told_to_and_leaves_nothing) {
 
 TEST_F(FrameWalkExportTest, tells_how_far_it_has_come) {
     haveDay(SyntheticMp3().frames(100'000).bytes());
-    std::atomic<double> progress{0};
-    ASSERT_TRUE(
-        performFrameWalkExport(source_, std::vector{selection(0, 9)}, output_, {}, &progress));
-    EXPECT_EQ(progress, 1);
+    std::vector<double> shares;
+    ASSERT_TRUE(performFrameWalkExport(source_, std::vector{selection(3590, 3601)}, output_, {},
+                                       [&](double share) { shares.push_back(share); }));
+    ASSERT_GE(shares.size(), 3U);
+    EXPECT_GT(shares.front(), 0.1);
+    EXPECT_LT(shares.front(), 0.9);
+    EXPECT_TRUE(std::is_sorted(shares.begin(), shares.end()));
+    EXPECT_EQ(shares.back(), 1);
+}
+
+TEST_F(FrameWalkExportTest, blames_the_day_when_that_is_cut_short_while_it_is_copied) {
+    haveDay(SyntheticMp3().frames(1000).bytes());
+    const auto result = performFrameWalkExport(
+        source_, std::vector{selection(1, 30)}, output_, {},
+        [this](double) { std::filesystem::resize_file(*source_.loadedFileURL, 5000); });
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error().errorDescription(), "Could not read source: No data available");
+    EXPECT_FALSE(std::filesystem::exists(output_));
+}
+
+TEST_F(FrameWalkExportTest, does_not_write_over_the_day_that_it_is_cut_from) {
+    const std::string day = SyntheticMp3().frames(100).bytes();
+    haveDay(day, "opened by hand.mp3");
+    create_hard_link(*source_.loadedFileURL, folder_ / "linked.mp3");
+    create_symlink(*source_.loadedFileURL, folder_ / "leading.mp3");
+    for (const auto& output :
+         {*source_.loadedFileURL, folder_ / "linked.mp3", folder_ / "leading.mp3"}) {
+        output_ = output;
+        const auto result = exported(std::vector{selection(1, 2)});
+        ASSERT_FALSE(result) << output;
+        EXPECT_EQ(result.error().errorDescription(),
+                  "Could not write output: it is a day's recording");
+        EXPECT_EQ(readFile(*source_.loadedFileURL), day);
+    }
+}
+
+TEST_F(FrameWalkExportTest, does_not_write_what_would_pass_for_a_recording) {
+    haveDay(SyntheticMp3().frames(100).bytes());
+    writeFile(folder_ / "Audio/Sonavault_2026-05-09.mp3", "being recorded");
+    source_.recordingsFolders = {folder_ / "Audio"};
+    for (const auto& output :
+         {folder_ / "Audio/Sonavault_2026-05-09.mp3", folder_ / "Audio/Sonavault_2026-05-10.mp3",
+          folder_ / "Sonavault_2026-05-10.mp3"}) {
+        output_ = output;
+        const auto result = exported(std::vector{selection(1, 2)});
+        ASSERT_FALSE(result) << output;
+        EXPECT_EQ(result.error().kind(), Kind::writeFailed);
+    }
+    EXPECT_EQ(readFile(folder_ / "Audio/Sonavault_2026-05-09.mp3"), "being recorded");
+    EXPECT_FALSE(std::filesystem::exists(folder_ / "Audio/Sonavault_2026-05-10.mp3"));
+    output_ = folder_ / "Audio/2026-05-09_selections.mp3";
+    EXPECT_TRUE(exported(std::vector{selection(1, 2)}));
 }
 
 }  // namespace

@@ -320,7 +320,7 @@ TEST_F(AudioDecoderOf, what_is_no_legacy_day_is_an_error_in_words) {
     for (const auto* name : {"empty.m4a", "text.m4a", "list.m4a", "folder.m4a"})
         EXPECT_FALSE(readAudioFileInfo(folder / name).error().empty()) << name;
     EXPECT_EQ(readAudioFileInfo(folder / "none.m4a").error(), "No such file or directory");
-    EXPECT_EQ(readAudioFileInfo(folder / "folder.m4a").error(), "Not a plain file");
+    EXPECT_EQ(readAudioFileInfo(folder / "folder.m4a").error(), "Is a directory");
 }
 
 }  // namespace

@@ -23,6 +23,31 @@ TEST(BackgroundJob, works_on_a_named_thread_that_yields_to_others) {
     EXPECT_LT(getpriority(PRIO_PROCESS, 0), 10);
 }
 
+TEST(BackgroundJob, yields_to_nobody_when_a_person_waits_for_it) {
+    std::promise<int> told;
+    const BackgroundJob job(
+        "export", [&told](const std::stop_token&) { told.set_value(getpriority(PRIO_PROCESS, 0)); },
+        BackgroundJob::Priority::asAnyOther);
+    EXPECT_EQ(told.get_future().get(), getpriority(PRIO_PROCESS, 0));
+}
+
+TEST(BackgroundJob, that_is_left_is_told_to_stop_and_waited_for_by_nobody) {
+    auto stopped = std::make_shared<std::promise<void>>();
+    auto told = stopped->get_future();
+    auto release = std::make_shared<std::promise<void>>();
+    {
+        BackgroundJob job(
+            "job", [stopped, held = release->get_future().share()](const std::stop_token& stop) {
+                while (!stop.stop_requested()) std::this_thread::yield();
+                stopped->set_value();
+                held.wait();
+            });
+        job.leave();
+    }
+    told.wait();
+    release->set_value();
+}
+
 TEST(BackgroundJob, is_told_to_stop_when_its_owner_is_gone) {
     std::promise<void> begun;
     std::promise<bool> told;

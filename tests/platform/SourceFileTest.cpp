@@ -30,8 +30,8 @@ class SourceFileTest : public ::testing::TestWithParam<CopyBy> {
         return std::move(SourceFile::open(file_).value());
     }
 
-    Outcome write(const SourceFile& source, const std::vector<ByteRange>& ranges,
-                  const std::stop_token& stop = {}) const {
+    Result<Done, CopyFailure> write(const SourceFile& source, const std::vector<ByteRange>& ranges,
+                                    const std::stop_token& stop = {}) const {
         return source.writeRanges(ranges, copy_, stop, GetParam());
     }
 
@@ -86,7 +86,8 @@ TEST_P(SourceFileTest, leaves_what_was_there_when_the_bytes_do_not_fit) {
         return write(day, {{0, 90'000}});
     }();
     ASSERT_FALSE(outcome);
-    EXPECT_EQ(outcome.error(), "File too large");
+    EXPECT_EQ(outcome.error().words, "File too large");
+    EXPECT_FALSE(outcome.error().ofSource);
     EXPECT_EQ(readFile(copy_), "old");
     EXPECT_EQ(entries(), 2);
 }
@@ -97,7 +98,7 @@ TEST_P(SourceFileTest, leaves_nothing_when_it_is_stopped) {
     stop.request_stop();
     const auto outcome = write(day, {{0, 1000}}, stop.get_token());
     ASSERT_FALSE(outcome);
-    EXPECT_EQ(outcome.error(), "Operation canceled");
+    EXPECT_EQ(outcome.error().words, "Operation canceled");
     EXPECT_EQ(entries(), 1);
 }
 
@@ -106,7 +107,8 @@ TEST_P(SourceFileTest, says_so_when_the_file_was_cut_short_since) {
     std::filesystem::resize_file(file_, 500);
     const auto outcome = write(day, {{400, 600}});
     ASSERT_FALSE(outcome);
-    EXPECT_EQ(outcome.error(), "No data available");
+    EXPECT_EQ(outcome.error().words, "No data available");
+    EXPECT_TRUE(outcome.error().ofSource);
     EXPECT_EQ(entries(), 1);
 }
 
@@ -114,7 +116,30 @@ TEST_P(SourceFileTest, says_why_a_folder_cannot_take_it) {
     const SourceFile day = source("x");
     const auto outcome = day.writeRanges({}, folder_ / "none" / "cut.mp3", {}, GetParam());
     ASSERT_FALSE(outcome);
-    EXPECT_EQ(outcome.error(), "No such file or directory");
+    EXPECT_EQ(outcome.error().words, "No such file or directory");
+    EXPECT_FALSE(outcome.error().ofSource);
+}
+
+TEST_P(SourceFileTest, keeps_the_mode_of_the_file_that_it_replaces) {
+    const SourceFile day = source("bytes of a day");
+    writeFile(copy_, "old");
+    constexpr auto kMode = std::filesystem::perms::owner_read | std::filesystem::perms::owner_write;
+    permissions(copy_, kMode);
+    ASSERT_TRUE(write(day, {{0, 5}}));
+    EXPECT_EQ(status(copy_).permissions(), kMode);
+}
+
+TEST_P(SourceFileTest, writes_where_a_symbolic_link_leads) {
+    const SourceFile day = source("bytes of a day");
+    writeFile(folder_ / "elsewhere" / "cut.mp3", "old");
+    create_symlink("elsewhere/cut.mp3", copy_);
+    ASSERT_TRUE(write(day, {{0, 5}}));
+    EXPECT_TRUE(is_symlink(copy_));
+    EXPECT_EQ(readFile(folder_ / "elsewhere" / "cut.mp3"), "bytes");
+    std::filesystem::remove(folder_ / "elsewhere" / "cut.mp3");
+    ASSERT_TRUE(write(day, {{9, 14}}));
+    EXPECT_TRUE(is_symlink(copy_));
+    EXPECT_EQ(readFile(copy_), "a day");
 }
 
 INSTANTIATE_TEST_SUITE_P(CopiedBy, SourceFileTest,

@@ -115,6 +115,12 @@ TEST_F(LoadedDayTest, that_nobody_asked_for_fails_in_silence) {
     day_.loadStartupRecording();
     EXPECT_FALSE(day_.loadedFileURL());
     EXPECT_TRUE(window_.warnings.empty());
+    EXPECT_EQ(days_.selectedDate(), "2026-05-08");
+    ASSERT_EQ(log_.lines().size(), 2U);
+    EXPECT_EQ(log_.lines()[0],
+              "Sonavault: Auto-loading today's recording at launch — Sonavault_2026-05-08.mp3");
+    EXPECT_THAT(log_.lines()[1], HasSubstr("Sonavault: Failed to load recording at " +
+                                           fileOf("2026-05-08").string() + ": "));
 }
 
 TEST_F(LoadedDayTest, at_launch_is_todays) {
@@ -133,6 +139,7 @@ TEST_F(LoadedDayTest, at_launch_is_the_newest_when_today_has_none) {
     haveAudio("2026-05-07");
     day_.loadStartupRecording();
     EXPECT_EQ(day_.loadedFileURL(), fileOf("2026-05-07"));
+    EXPECT_EQ(days_.selectedDate(), "2026-05-07");
     EXPECT_TRUE(
         log_.has("Sonavault: Auto-loading newest recording at launch — Sonavault_2026-05-07.mp3"));
 }
@@ -153,6 +160,42 @@ TEST_F(LoadedDayTest, follows_a_choice_of_date_and_shows_it_in_the_list) {
     day_.selectAndLoadRecording("2026-01-01");
     EXPECT_EQ(day_.loadedFileURL(), fileOf("2026-05-06")) << "there is no such row";
     EXPECT_EQ(window_.listsRendered, 1);
+}
+
+TEST_F(LoadedDayTest, stays_when_a_row_without_audio_is_chosen) {
+    loadWholeDay();
+    log_.clear();
+    const int stopsBefore = window_.stops;
+    day_.selectAndLoad({.date = "2026-05-06"});
+    EXPECT_EQ(days_.selectedDate(), "2026-05-06");
+    EXPECT_THAT(log_.lines(), ElementsAre("Sonavault: row 2026-05-06 has no audio file on disk; "
+                                          "selection only"));
+    EXPECT_EQ(day_.loadedFileURL(), fileOf("2026-05-07"));
+    EXPECT_TRUE(day_.loadedFile());
+    EXPECT_TRUE(day_.loadedManifest());
+    EXPECT_EQ(day_.allMarkers().size(), 1U);
+    EXPECT_TRUE(peaks_.peaksData());
+    EXPECT_EQ(window_.stops, stopsBefore) << "what plays plays on";
+    EXPECT_EQ(window_.listsRendered, 1);
+    EXPECT_TRUE(window_.warnings.empty());
+}
+
+TEST_F(LoadedDayTest, draws_the_summary_bar_anew_once) {
+    haveAudio("2026-05-07");
+    day_.loadRecording(fileOf("2026-05-07"));
+    EXPECT_EQ(window_.summariesDrawn, 1);
+    writeFile(fileOf("2026-05-07"), "");
+    day_.loadRecording(fileOf("2026-05-07"), true);
+    EXPECT_EQ(window_.summariesDrawn, 2);
+}
+
+TEST_F(LoadedDayTest, names_the_file_that_cannot_be_read_again) {
+    haveAudio("2026-05-07");
+    day_.loadRecording(fileOf("2026-05-07"));
+    writeFile(fileOf("2026-05-07"), "");
+    day_.loadRecording(*day_.loadedFileURL());
+    ASSERT_EQ(window_.warnings.size(), 1U);
+    EXPECT_THAT(window_.warnings[0].second, HasSubstr("at Sonavault_2026-05-07.mp3 couldn't"));
 }
 
 TEST_F(LoadedDayTest, is_gone_whole_when_it_is_unloaded) {

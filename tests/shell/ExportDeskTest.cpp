@@ -1,6 +1,7 @@
 #include "shell/ExportDesk.h"
 
 #include <QTest>
+#include <algorithm>
 
 #include "shell/ShellFixture.h"
 #include "store/MarkerLogWriter.h"
@@ -56,7 +57,9 @@ TEST_F(ExportDeskTest, saves_the_selections_where_the_person_said_and_shows_the_
     EXPECT_EQ(alerts_.shown[1].message, "Saved");
     EXPECT_EQ(revealed_, std::vector{output_});
     EXPECT_EQ(statusText(), "");
-    EXPECT_NE(readFile(day_).find(readFile(output_)), std::string::npos);
+    const auto cut = readFile(output_);
+    EXPECT_EQ(cut.size(), 834U * 108) << "30 s in frames of 36 ms, widened to whole ones";
+    EXPECT_EQ(readFile(day_).find(cut), 1666U * 108);
     EXPECT_EQ(preferences_.text(kLastExportFolderKey), output_.parent_path().string());
 }
 
@@ -103,10 +106,36 @@ TEST_F(ExportDeskTest, runs_a_stored_card_that_is_due_at_the_first_tick_and_once
     const auto aircheck = temp_ / "home/Calderwave/Station/Logs/Airchecks" /
                           "Aircheck_Morning_Live_2026-03-02_10-10.mp3";
     ASSERT_TRUE(awaitFile(aircheck));
+    const auto announced = [this] {
+        return std::count_if(hub_.notified.begin(), hub_.notified.end(), [](const auto& said) {
+            return said.about == kSwitchboardTopicAircheckSaved;
+        });
+    };
+    EXPECT_EQ(announced(), 1);
     std::filesystem::remove(aircheck);
-    passSeconds(61);
+    for (int i = 0; i < 61 * 20; ++i) {
+        passSeconds(0.05);
+        ASSERT_FALSE(controller().exports().progress()) << "it runs again";
+    }
+    mainQueue_.runAll();
+    EXPECT_EQ(announced(), 1);
     EXPECT_FALSE(std::filesystem::exists(aircheck));
     EXPECT_TRUE(alerts_.shown.empty());
+}
+
+TEST_F(ExportDeskTest, does_not_let_a_cut_replace_what_is_recorded) {
+    launch();
+    select(36'060, 36'090);
+    dialogs_.output = dayFile();
+    controller().exports().exportSelections();
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] {
+            tickOnce();
+            return alerts_.shown.size() == 2;
+        },
+        10'000));
+    EXPECT_EQ(alerts_.shown[1].information, "Could not write output: it is a day's recording");
+    EXPECT_FALSE(std::filesystem::exists(dayFile()));
 }
 
 TEST_F(ExportDeskTest, always_has_a_card_to_fill_in) {

@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMenuBar>
 #include <QTest>
 
@@ -69,6 +70,66 @@ TEST_F(KeyMonitorTest, marks_undoes_and_clears_ranges) {
     EXPECT_TRUE(selections().empty());
     press(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(selections().size(), 1U);
+}
+
+TEST_F(KeyMonitorTest, marks_a_range_with_letters_and_asks_where_to_save_it) {
+    press(Qt::Key_I);
+    EXPECT_EQ(controller().timeline().selections().pendingStartSec(), 36000);
+    press(Qt::Key_Right, Qt::ShiftModifier);
+    press(Qt::Key_O);
+    ASSERT_EQ(selections().size(), 1U);
+    press(Qt::Key_E);
+    ASSERT_EQ(alerts_.shown.size(), 1U);
+    EXPECT_EQ(alerts_.shown[0].message, "Save 1 selection into a single file");
+    EXPECT_EQ(dialogs_.panels.size(), 1U);
+}
+
+TEST_F(KeyMonitorTest, asks_which_aircheck_to_build) {
+    press(Qt::Key_A);
+    ASSERT_EQ(dialogs_.questions.size(), 1U);
+    press(Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(dialogs_.questions.size(), 1U);
+}
+
+/// A widget of the main window that counts how often the letter comes through to it.
+class KeyCounter final : public QWidget {
+  public:
+    using QWidget::QWidget;
+    int letters = 0;
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override { letters += event->key() == Qt::Key_Z; }
+};
+
+TEST_F(KeyMonitorTest, swallows_an_undo_of_nothing_and_passes_the_letter_alone) {
+    KeyCounter below(&root());
+    below.show();
+    QTest::keyClick(&below, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(below.letters, 0);
+    EXPECT_TRUE(selections().empty());
+    QTest::keyClick(&below, Qt::Key_Z);
+    EXPECT_EQ(below.letters, 1);
+}
+
+TEST_F(KeyMonitorTest, leaves_the_keys_to_a_menu_that_the_person_is_in) {
+    const ExpectedQtWarnings raise{"This plugin does not support raise()"};
+    const ExpectedQtWarnings grab{"This plugin does not support grabbing the keyboard"};
+    auto* bar = delegate().window()->findChild<QMenuBar*>();
+    ASSERT_NE(bar, nullptr);
+    bar->setFocus(Qt::MenuBarFocusReason);
+    ASSERT_EQ(QApplication::focusWidget(), bar);
+    QTest::keyClick(bar, Qt::Key_Right, Qt::ShiftModifier);
+    EXPECT_EQ(playhead(), 36000);
+    root().setFocus();
+    QMenu menu(&root());
+    menu.addAction("Open");
+    menu.popup({10, 10});
+    ASSERT_EQ(QApplication::activePopupWidget(), &menu);
+    press(Qt::Key_Space);
+    EXPECT_FALSE(controller().review().playback().isPlaying());
+    menu.close();
+    press(Qt::Key_Space);
+    EXPECT_TRUE(controller().review().playback().isPlaying());
 }
 
 TEST_F(KeyMonitorTest, takes_the_recording_shortcut_before_the_menu_and_only_once) {

@@ -23,6 +23,7 @@ class QuietDesk final : public ExportHost, public ExportedDay {
     DaySeconds currentRecordingOffset() const override { return {}; }
     std::string selectedDate() const override { return {}; }
     std::vector<Selection> selections() const override { return {}; }
+    std::vector<std::filesystem::path> recordingsFolders() const override { return {}; }
     std::size_t showAlert(const ExportAlert&) override { return 0; }
     AircheckAnswer askForAircheck(const AircheckQuestion&) override { return {}; }
     std::optional<std::filesystem::path> chooseOutput(const SavePanel&) override {
