@@ -40,11 +40,12 @@ ExportSource FrameExporter::sourceFor(const std::optional<std::vector<Selection>
 std::unique_ptr<BackgroundJob> FrameExporter::begin(const Export& order,
                                                     std::optional<std::vector<Selection>> ranges,
                                                     const Finish& finish) const {
-    auto work = [source = sourceFor(ranges), ranges = std::move(ranges), output = order.outputURL,
+    auto source = sourceFor(ranges);
+    auto work = [source = std::move(source), wanted = std::move(ranges), output = order.outputURL,
                  progress = order.progress, finish,
                  mainQueue = mainQueue_](const std::stop_token& stop) {
         const auto result = performFrameWalkExport(
-            source, ranges, output, stop, [&progress](double share) { *progress = share; });
+            source, wanted, output, stop, [&progress](double share) { *progress = share; });
         mainQueue->post([finish, result] { finish(result); });
     };
     return std::make_unique<BackgroundJob>("export", std::move(work),

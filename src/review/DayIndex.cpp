@@ -35,7 +35,7 @@ DayIndex::DayIndex(Mp3FrameIndex index) : making_(std::make_shared<Making>()) {
     making_->tell(shared(std::move(index)));
 }
 
-DayIndex::DayIndex(Make make) : making_(std::make_shared<Making>()) {
+DayIndex::DayIndex(const Make& make) : making_(std::make_shared<Making>()) {
     try {
         job_ = std::make_unique<BackgroundJob>(
             "day-index",

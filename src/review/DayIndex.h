@@ -24,7 +24,7 @@ class DayIndex {
     /// What `make` gives, on a thread of its own from now on; where none can be had, it is called
     /// here. It may touch only what it shares in owning.
     using Make = std::function<Result<Mp3FrameIndex>(const std::stop_token&)>;
-    explicit DayIndex(Make make);
+    explicit DayIndex(const Make& make);
 
     ~DayIndex();
     DayIndex(const DayIndex&) = delete;

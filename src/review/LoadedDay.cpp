@@ -45,11 +45,12 @@ void LoadedDay::loadRecording(const std::filesystem::path& audio, bool silent) {
     loadMarkersForLoadedRecording();
 }
 
-/// `audio` by value: the caller's may be a member that is cleared here.
-void LoadedDay::refuse(std::filesystem::path audio, const std::string& error, bool silent) {
+void LoadedDay::refuse(const std::filesystem::path& audio, const std::string& error, bool silent) {
     log_.line("Sonavault: Failed to load recording at " + audio.string() + ": " + error);
+    // Before `audio`, which may be the member, is cleared.
+    const std::string information = couldNotBeOpened(audio, error);
     clearAndShow();
-    if (!silent) host_.showWarning("Couldn't load recording", couldNotBeOpened(audio, error));
+    if (!silent) host_.showWarning("Couldn't load recording", information);
 }
 
 void LoadedDay::readManifestOf(const std::filesystem::path& audio) {

@@ -76,7 +76,7 @@ class LoadedDay {
   private:
     void clear();
     void clearAndShow();
-    void refuse(std::filesystem::path audio, const std::string& error, bool silent);
+    void refuse(const std::filesystem::path& audio, const std::string& error, bool silent);
     void readManifestOf(const std::filesystem::path& audio);
     void autoLoad(const DailyRecording& row, const std::string& which);
     void refreshMarkerLanes();
