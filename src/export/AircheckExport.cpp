@@ -102,6 +102,7 @@ void AircheckExport::exportAircheck() {
 void AircheckExport::saveSegments(AircheckMode mode, HourWindow window,
                                   std::vector<Selection> segments) {
     const std::string what = counted(segments.size(), kindOf(mode) + " segment");
+    const auto compiled = day_.loadedFileURL();
     const auto output =
         host_.chooseOutput({.title = "Save Aircheck",
                             .message = "Save the " + what + " into one MP3 file",
@@ -109,6 +110,9 @@ void AircheckExport::saveSegments(AircheckMode mode, HourWindow window,
                             .nameField = suggestedAircheckName(mode, day_.selectedDate(), window)});
     if (!output) return;
     folder_.remember(*output);
+    // Midnight may have brought the new day while the panel was open; its sound is not the log's.
+    if (day_.loadedFileURL() != compiled)
+        return tellFailed(host_, "Aircheck failed", "Another day was opened in the meantime.");
     host_.setStatusBarText("Exporting aircheck…");
     const Order order{mode,   window,          day_.selectedDate(),
                       what,   segments.size(), totalDurationSec(segments),

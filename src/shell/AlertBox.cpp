@@ -4,6 +4,7 @@
 #include <QDialogButtonBox>
 #include <QGridLayout>
 #include <QLabel>
+#include <QMainWindow>
 #include <QPushButton>
 
 #include "shell/ApplicationIcon.h"
@@ -34,13 +35,21 @@ void setType(QMessageBox& box) {
 
 }  // namespace
 
-AlertBox::AlertBox(const Alert& alert) : QMessageBox(QApplication::activeWindow()) {
+QWidget* windowForDialogs() {
+    if (QWidget* active = QApplication::activeWindow()) return active;
+    for (QWidget* each : QApplication::topLevelWidgets())
+        if (qobject_cast<QMainWindow*>(each) && each->isVisible()) return each;
+    return nullptr;
+}
+
+AlertBox::AlertBox(const Alert& alert) : QMessageBox(windowForDialogs()) {
     showIcon(*this, alert);
     setWindowTitle(QStringLiteral("Sonavault"));
     // What is quoted in a message, such as a file's name, must not be taken for markup.
     setTextFormat(Qt::PlainText);
     setText(alert.message);
     setInformativeText(alert.information);
+    for (auto* label : findChildren<QLabel*>()) label->setTextFormat(Qt::PlainText);
     setType(*this);
     for (const auto& title : alert.buttons)
         buttons_.append(addButton(title, QMessageBox::ActionRole));

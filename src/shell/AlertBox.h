@@ -7,6 +7,10 @@
 
 namespace sonavault {
 
+/// The window that a dialog belongs to: the one in use, or else the program's own, so that a dialog
+/// that comes while the person works elsewhere can't hide behind it. Null without a window.
+QWidget* windowForDialogs();
+
 /// The window of an alert.
 ///
 /// Thread: main.

@@ -99,8 +99,8 @@ AircheckAnswer WindowExportDialogs::askForAircheck(const AircheckQuestion& quest
 }
 
 std::optional<std::filesystem::path> WindowExportDialogs::chooseOutput(const SavePanel& panel) {
-    QFileDialog dialog(QApplication::activeWindow(), text(panel.title),
-                       text(panel.directory.string()), QStringLiteral("MP3 audio (*.mp3)"));
+    QFileDialog dialog(windowForDialogs(), text(panel.title), text(panel.directory.string()),
+                       QStringLiteral("MP3 audio (*.mp3)"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix(QStringLiteral("mp3"));
     dialog.selectFile(text(panel.nameField));

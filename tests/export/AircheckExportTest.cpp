@@ -96,6 +96,19 @@ TEST_F(AircheckExportTest, saves_and_publishes_the_live_segments_of_a_whole_day)
     EXPECT_EQ(preferences_.text(kLastExportFolderKey), home_.path().string());
 }
 
+TEST_F(AircheckExportTest, takes_no_sound_from_a_day_that_was_opened_while_the_panel_was_open) {
+    loadDay(300);
+    haveLog("00:01:00,mic_start,,0\n00:01:30,mic_end,,0\n");
+    desk_.whileChoosing = [this] { desk_.loaded = home_ / "Sonavault_2026-05-09.mp3"; };
+    exportAircheck({kLive, 0, 23});
+    ASSERT_EQ(desk_.alerts.size(), 1U);
+    EXPECT_EQ(desk_.alerts[0].message, "Aircheck failed");
+    EXPECT_TRUE(desk_.alerts[0].isWarning);
+    EXPECT_THAT(desk_.published, IsEmpty());
+    EXPECT_THAT(desk_.status, IsEmpty());
+    EXPECT_FALSE(std::filesystem::exists(home_ / "aircheck.mp3"));
+}
+
 TEST_F(AircheckExportTest, saves_one_voicetrack_of_a_window) {
     loadDay(300);
     haveLog("00:01:00,vt_start,,0\n00:01:30,vt_end,,0\n01:01:00,vt_start,,0\n01:01:30,vt_end,,0\n");

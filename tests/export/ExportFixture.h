@@ -37,6 +37,7 @@ class FakeDesk final : public ExportHost, public ExportedDay {
     }
     std::optional<std::filesystem::path> chooseOutput(const SavePanel& panel) override {
         panels.push_back(panel);
+        if (whileChoosing) whileChoosing();
         return output;
     }
     void setStatusBarText(const std::string& text) override { status.push_back(text); }
@@ -47,6 +48,7 @@ class FakeDesk final : public ExportHost, public ExportedDay {
 
     // The day.
     std::optional<std::filesystem::path> loaded;
+    std::function<void()> whileChoosing;  ///< what happens while a save panel is open
     DaySeconds offset;
     std::string date = "2026-05-08";
     std::vector<Selection> chosen;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
@@ -38,10 +39,12 @@ class AlertsTest : public ::testing::Test {
 TEST_F(AlertsTest, shows_its_texts_as_they_are) {
     show({.style = Alert::warning,
           .message = "Cadenzo <b>1</b>",
-          .information = "Make sure & wait."},
+          .information = "Make <i>sure</i> & wait."},
          [](QMessageBox& box) {
              EXPECT_EQ(box.text(), "Cadenzo <b>1</b>");
-             EXPECT_EQ(box.informativeText(), "Make sure & wait.");
+             EXPECT_EQ(box.informativeText(), "Make <i>sure</i> & wait.");
+             for (const auto* label : box.findChildren<QLabel*>())
+                 EXPECT_NE(label->textFormat(), Qt::AutoText) << label->text().toStdString();
              EXPECT_EQ(box.textFormat(), Qt::PlainText);
              EXPECT_EQ(box.icon(), QMessageBox::Warning);
              box.accept();
