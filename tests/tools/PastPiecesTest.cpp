@@ -112,7 +112,7 @@ TEST_F(PastPieces, refuse_a_stream_with_something_between_its_frames) {
     EXPECT_EQ(framesOf(stream).value().frames(), 10);
     stream.push_back(0);
     EXPECT_FALSE(framesOf(stream));
-    stream.resize(stream.size() - 2);
+    stream.erase(stream.end() - 2, stream.end());
     EXPECT_FALSE(framesOf(stream));
 }
 
