@@ -176,8 +176,7 @@ void PrivateSoundServer::listenTo(const std::string& sink) {
 std::vector<float> PrivateSoundServer::heard() const {
     const auto bytes = readFile(folder_ / "heard");
     std::vector<float> samples(bytes.size() / sizeof(float));
-    if (!samples.empty())
-        std::memcpy(samples.data(), bytes.data(), samples.size() * sizeof(float));
+    if (!samples.empty()) std::memcpy(samples.data(), bytes.data(), samples.size() * sizeof(float));
     return samples;
 }
 
