@@ -190,14 +190,15 @@ TEST(Documents, tell_of_keys_what_they_do) {
         {"takes the last change back", undoLastChange},
     };
     const auto guide = rows(page("docs/user-guide.md"));
-    for (const auto& [meaning, command] : meanings) {
+    for (const auto& each : meanings) {
+        const auto& meaning = each.first;
         const auto row = std::find_if(guide.begin(), guide.end(), [&](const auto& cells) {
             return cells.size() > 1 && names(cells[1], meaning);
         });
         ASSERT_NE(row, guide.end()) << meaning;
         const auto key = keyOf(row->at(0));
         ASSERT_TRUE(key) << row->at(0);
-        EXPECT_EQ(keyCommand(*key, {}), command) << row->at(0);
+        EXPECT_EQ(keyCommand(*key, {}), each.second) << row->at(0);
     }
 }
 
