@@ -86,7 +86,7 @@ void zoomStep(benchmark::State& state) {
     double up = presetOf(state) == 0 ? 2 : -2;
     double stepping = 0;
     double drawing = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         const double step = secondsOf([&] {
             timeline.wheel({0, up});
             BusyTimeline::draw();
@@ -107,7 +107,7 @@ BENCHMARK(zoomStep)->DenseRange(0, 4)->UseManualTime()->Unit(benchmark::kMillise
 
 void repaint(benchmark::State& state) {
     BusyTimeline timeline(presetOf(state));
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         timeline.window.inner().update();
         BusyTimeline::draw();
     }
@@ -118,7 +118,7 @@ BENCHMARK(repaint)->DenseRange(0, 4)->Unit(benchmark::kMillisecond);
 void scrollStep(benchmark::State& state) {
     BusyTimeline timeline(presetOf(state));
     double sideways = 30;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         timeline.wheel({sideways, 0});
         sideways = -sideways;
         BusyTimeline::draw();
@@ -132,7 +132,7 @@ void playheadStep(benchmark::State& state) {
     BusyTimeline timeline(presetOf(state));
     const double width = timeline.window.inner().timelineWidth();
     double step = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         step = step < 100 ? step + 1 : 0;
         const DaySeconds playhead{43'200 + step * kSecondsInDay / width};
         timeline.window.inner().setPlayheadFrame(
