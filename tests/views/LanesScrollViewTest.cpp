@@ -17,7 +17,6 @@
 namespace sonavault::testing {
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 class LanesScrollViewTest : public ::testing::Test {
