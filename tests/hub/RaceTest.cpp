@@ -7,7 +7,7 @@
 #include "hub/HubThread.h"
 #include "hub/SwitchboardClientImpl.h"
 #include "hub/SystemHubNetwork.h"
-#include "links/Eventually.h"
+#include "support/Eventually.h"
 
 namespace sonavault::testing {
 namespace {

@@ -11,7 +11,7 @@
 #include "hub/SocketConnection.h"
 #include "hub/SwitchboardClientImpl.h"
 #include "hub/SystemHubNetwork.h"
-#include "links/Eventually.h"
+#include "support/Eventually.h"
 #include "support/ManualQueue.h"
 
 namespace sonavault::testing {
@@ -51,6 +51,20 @@ class HubSocketTest : public ::testing::Test {
             return !reason.empty();
         });
         return reason;
+    }
+
+    /// Has another client ask, so that the hub has done what it was asked before.
+    void awaitAnswerFrom(const HubThread& hub) {
+        ManualQueue answers;
+        bool answered = false;
+        const auto witness = makeClient(hub.path());
+        witness->connect("Witness", &answers);
+        ASSERT_TRUE(becomes<State::Connected>(*witness));
+        witness->stateGet("k", [&](const StateGetResult&) { answered = true; });
+        EXPECT_TRUE(eventually([&] {
+            answers.runAll();
+            return answered;
+        }));
     }
 
     SystemClock clock_;
@@ -466,22 +480,30 @@ TEST_F(HubSocketTest, takes_a_flood_of_lines_and_answers_the_last) {
     EXPECT_EQ(heard, kLines / 2);
 }
 
-TEST_F(HubSocketTest, can_go_away_in_the_midst_of_everything) {
+TEST_F(HubSocketTest, can_go_away_in_the_midst_of_everything_and_then_tells_nobody_more) {
     HubThread hub;
+    int told = 0;
+    const auto hear = [&told](const auto&) { ++told; };
     for (int round = 0; round < 100; ++round) {
-        const auto client = makeClient(hub.path());
-        client->subscribe("t", [](const SwitchboardMessage&) {});
+        auto client = makeClient(hub.path());
+        client->subscribe("t", hear);
         client->connect("Sonavault", &callbacks_);
-        client->query("A", "t", {}, 5000, [](const QueryResult&) {});
-        client->ping(1, [](const PingResult&) {});
-        client->stateGet("k", [](const StateGetResult&) {});
+        client->query("A", "t", {}, 5000, hear);
+        client->ping(1, hear);
+        client->stateGet("k", hear);
         if (round % 3 == 0) {
             ASSERT_TRUE(becomes<State::Connected>(*client));
         }
         if (round % 4 == 0) client->disconnect();
         if (round % 5 == 0) hub.obey("drop");
+        client.reset();
+        callbacks_.runAll();  // what it handed over before
+        const int toldByItself = told;
+        awaitAnswerFrom(hub);
+        EXPECT_EQ(callbacks_.runAll(), 0) << "in round " << round;
+        EXPECT_EQ(told, toldByItself) << "in round " << round;
     }
-    callbacks_.runAll();
+    EXPECT_GT(told, 0);
 }
 
 }  // namespace

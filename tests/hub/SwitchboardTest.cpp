@@ -7,7 +7,7 @@
 #include <mutex>
 
 #include "hub/HubThread.h"
-#include "links/Eventually.h"
+#include "support/Eventually.h"
 #include "support/ScopedEnvironment.h"
 
 namespace sonavault::testing {

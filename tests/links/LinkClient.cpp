@@ -1,12 +1,13 @@
 #include "links/LinkClient.h"
 
-#include <QElapsedTimer>
 #include <QTcpServer>
+
+#include "support/Eventually.h"
 
 namespace sonavault::testing {
 
 namespace {
-constexpr int kPatienceMs = 20000;
+constexpr int kPatienceMs = static_cast<int>(std::chrono::milliseconds(kEventually).count());
 }
 
 bool LinkClient::connectTo(std::uint16_t port, const QString& host) {
@@ -26,10 +27,10 @@ bool LinkClient::send(const Bytes& bytes) {
 }
 
 bool LinkClient::waitForClose() {
-    QElapsedTimer waited;
-    waited.start();
-    while (isConnected() && waited.elapsed() < kPatienceMs) socket_.waitForReadyRead(20);
-    return !isConnected();
+    return eventually([&] {
+        if (isConnected()) socket_.waitForReadyRead(20);
+        return !isConnected();
+    });
 }
 
 void LinkClient::close() {

@@ -7,23 +7,13 @@
 
 #include <QCoreApplication>
 #include <array>
-#include <chrono>
 #include <cstring>
 
+#include "support/Eventually.h"
 #include "support/TempFolder.h"
 
 namespace sonavault::testing {
 namespace {
-
-template <class Condition>
-bool meanwhile(Condition condition) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) return false;
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
-    }
-    return true;
-}
 
 /// A socket and the bare other end of it.
 class LocalSocketTest : public ::testing::Test {
@@ -98,7 +88,7 @@ TEST_F(LocalSocketTest, takes_no_more_than_there_is_room_for_and_tells_when_ther
     QCoreApplication::processEvents();
     EXPECT_EQ(told, 0);
     EXPECT_EQ(drainOther(), written);
-    ASSERT_TRUE(meanwhile([&] { return told > 0; }));
+    ASSERT_TRUE(eventuallyServingEvents([&] { return told > 0; }));
     QCoreApplication::processEvents();
     EXPECT_EQ(told, 1);
 }
@@ -110,7 +100,7 @@ TEST_F(LocalSocketTest, tells_that_there_is_something_to_read_while_it_is_watche
     QCoreApplication::processEvents();
     EXPECT_EQ(told, 0);
     socket_->watchReadable(true);
-    ASSERT_TRUE(meanwhile([&] { return told > 0; }));
+    ASSERT_TRUE(eventuallyServingEvents([&] { return told > 0; }));
     socket_->watchReadable(false);
     const int before = told;
     QCoreApplication::processEvents();

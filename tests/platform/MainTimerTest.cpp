@@ -5,22 +5,12 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 
+#include "support/Eventually.h"
+
 namespace sonavault::testing {
 namespace {
 
 using namespace std::chrono_literals;
-
-/// Serves the main thread's events until `condition` holds, for so long that only a fault takes
-/// longer.
-template <class Condition>
-bool serveUntil(Condition condition) {
-    QElapsedTimer waited;
-    waited.start();
-    QEventLoop loop;
-    while (!condition() && waited.elapsed() < 20000)
-        loop.processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 50);
-    return condition();
-}
 
 TEST(MainTimer, calls_once_and_not_before_its_time) {
     QtMainTimer timer;
@@ -35,7 +25,7 @@ TEST(MainTimer, calls_once_and_not_before_its_time) {
         cameAfter = waited.elapsed();
     });
     later.start(60ms, [&] { laterCame = true; });
-    ASSERT_TRUE(serveUntil([&] { return laterCame; }));
+    ASSERT_TRUE(eventuallyServingEvents([&] { return laterCame; }));
     EXPECT_EQ(calls, 1);
     EXPECT_GE(cameAfter, 19) << "a precise timer may be a millisecond early";
 }
@@ -47,7 +37,7 @@ TEST(MainTimer, may_be_started_again_by_what_it_calls) {
         if (++calls < 3) timer.start(1ms, again);
     };
     timer.start(1ms, again);
-    EXPECT_TRUE(serveUntil([&] { return calls == 3; }));
+    EXPECT_TRUE(eventuallyServingEvents([&] { return calls == 3; }));
 }
 
 TEST(MainTimer, calls_the_latest_action_only_and_none_after_a_stop) {
@@ -58,11 +48,11 @@ TEST(MainTimer, calls_the_latest_action_only_and_none_after_a_stop) {
     bool laterCame = false;
     timer.start(1ms, [&] { ++first; });
     timer.start(2ms, [&] { ++second; });
-    ASSERT_TRUE(serveUntil([&] { return second == 1; }));
+    ASSERT_TRUE(eventuallyServingEvents([&] { return second == 1; }));
     timer.start(1ms, [&] { ++first; });
     timer.stop();
     later.start(20ms, [&] { laterCame = true; });
-    ASSERT_TRUE(serveUntil([&] { return laterCame; }));
+    ASSERT_TRUE(eventuallyServingEvents([&] { return laterCame; }));
     EXPECT_EQ(first, 0);
     EXPECT_EQ(second, 1);
 }
@@ -79,7 +69,7 @@ TEST(MainTimer, goes_off_while_a_modal_loop_runs) {
         });
         modal.exec(QEventLoop::DialogExec);
     });
-    EXPECT_TRUE(serveUntil([&] { return wentOffInside; }));
+    EXPECT_TRUE(eventuallyServingEvents([&] { return wentOffInside; }));
 }
 
 TEST(MainTimer, calls_nobody_once_it_is_gone) {
@@ -91,7 +81,7 @@ TEST(MainTimer, calls_nobody_once_it_is_gone) {
         timer.start(1ms, [&] { ++calls; });
     }
     later.start(20ms, [&] { laterCame = true; });
-    ASSERT_TRUE(serveUntil([&] { return laterCame; }));
+    ASSERT_TRUE(eventuallyServingEvents([&] { return laterCame; }));
     EXPECT_EQ(calls, 0);
 }
 

@@ -13,6 +13,8 @@
 #include <thread>
 #include <vector>
 
+#include "support/Eventually.h"
+
 namespace sonavault::testing {
 namespace {
 
@@ -217,20 +219,6 @@ TEST(SerialQueue, serves_network_objects_that_live_on_it) {
     serving.runAndWait([&] { server.reset(); });
 }
 
-/// Runs the main thread's loop until `done`, or long enough to call it hung.
-template <class Condition>
-bool serveUntil(Condition done) {
-    QEventLoop loop;
-    QTimer look;
-    QObject::connect(&look, &QTimer::timeout, &loop, [&] {
-        if (done()) loop.quit();
-    });
-    look.start(1);
-    QTimer::singleShot(30'000, &loop, [&] { loop.quit(); });
-    loop.exec();
-    return done();
-}
-
 TEST(MainQueue, runs_work_of_other_threads_on_the_main_thread_in_order) {
     const auto mainThread = std::this_thread::get_id();
     std::vector<int> ran;
@@ -243,7 +231,7 @@ TEST(MainQueue, runs_work_of_other_threads_on_the_main_thread_in_order) {
                 ran.push_back(i);
             });
         });
-    EXPECT_TRUE(serveUntil([&] { return ran.size() == 1000; }));
+    EXPECT_TRUE(eventuallyServingEvents([&] { return ran.size() == 1000; }));
     EXPECT_EQ(ran, upTo(1000));
 }
 
@@ -252,7 +240,7 @@ TEST(MainQueue, does_not_run_what_is_posted_on_the_main_thread_before_the_caller
     MainQueue queue;
     queue.post([&] { ran = true; });
     EXPECT_FALSE(ran);
-    EXPECT_TRUE(serveUntil([&] { return ran; }));
+    EXPECT_TRUE(eventuallyServingEvents([&] { return ran; }));
 }
 
 TEST(MainQueue, is_served_in_a_loop_that_its_own_work_opens) {
@@ -267,7 +255,7 @@ TEST(MainQueue, is_served_in_a_loop_that_its_own_work_opens) {
     });
     queue.post([&] { ran.push_back("meanwhile"); });
     queue.post([&] { queue.post([&] { ran.push_back("posted meanwhile"); }); });
-    EXPECT_TRUE(serveUntil([&] { return ran.size() == 4; }));
+    EXPECT_TRUE(eventuallyServingEvents([&] { return ran.size() == 4; }));
     EXPECT_EQ(ran.front(), "dialog opens");
     EXPECT_EQ(ran[1], "meanwhile");
 }
@@ -283,7 +271,7 @@ TEST(MainQueue, lets_timers_fire_though_its_work_goes_on_posting_itself) {
     queue.post(again);
     bool fired = false;
     QTimer::singleShot(1, [&] { fired = true; });
-    EXPECT_TRUE(serveUntil([&] { return fired; }));
+    EXPECT_TRUE(eventuallyServingEvents([&] { return fired; }));
     stop = true;
     EXPECT_GE(ran, 1);
 }
@@ -294,7 +282,7 @@ TEST(MainQueue, drops_what_has_not_run_when_it_ends) {
         MainQueue queue;
         queue.post([held] { ++*held; });
     }
-    EXPECT_TRUE(serveUntil([] { return true; }));
+    EXPECT_TRUE(eventuallyServingEvents([] { return true; }));
     EXPECT_EQ(*held, 0);
     EXPECT_EQ(held.use_count(), 1);
 }
@@ -307,7 +295,7 @@ TEST(MainQueue, may_be_ended_by_its_own_work) {
         queue.reset();
     });
     queue->post([&] { ran.push_back(2); });
-    EXPECT_TRUE(serveUntil([&] { return !queue; }));
+    EXPECT_TRUE(eventuallyServingEvents([&] { return !queue; }));
     EXPECT_EQ(ran, std::vector<int>{1});
 }
 

@@ -8,6 +8,7 @@
 #include "platform/AudioFileInfo.h"
 #include "recorder/RecorderFixture.h"
 #include "recorder/WallClockSync.h"
+#include "support/Eventually.h"
 
 namespace sonavault {
 namespace {
@@ -347,41 +348,68 @@ TEST_F(Midnight, meters_and_drops_what_comes_between_the_two_files_and_fills_it_
     EXPECT_EQ(log_.containing("wall-clock pad").size(), 1U);
 }
 
-TEST_F(Midnight, loses_no_count_of_buffers_that_come_from_a_thread_of_their_own) {
+/// What the log says was put in for the clock. Units: frames
+double paddedFrames(const testing::RecordedLog& log) {
+    constexpr std::string_view kLabel = "wall-clock pad — ";
+    double sum = 0;
+    for (const auto& line : log.containing(std::string(kLabel)))
+        sum += std::stod(line.substr(line.find(kLabel) + kLabel.size()));
+    return sum;
+}
+
+TEST_F(Midnight, loses_no_buffer_of_a_thread_of_its_own_but_those_that_come_between_two_files) {
     constexpr int kDays = 20;
+    constexpr int kFrames = 441;
+    constexpr double kSecondsADay = 2;
+    // What closing adds to a file: the encoder's own delay and the padding of its last frame.
+    constexpr double kLeastClosing = 1152.0 / 16000 * 22050;
+    constexpr double kMostClosing = 1727.0 / 16000 * 22050;
     recordFrom("2026-03-02T12:00:00.0Z");
     std::atomic<bool> ended{false};
+    std::atomic<int> changes{0};  // odd while one is under way
+    double sent = 0;
+    double sentBesideChanges = 0;
     std::thread source([&] {
-        const std::vector<float> samples(441, 0.25F);
+        const std::vector<float> samples(kFrames, 0.25F);
         const float* plane = samples.data();
         while (!ended) {
-            recorder_->handleSourceBuffer({input_.format, 441, &plane});
+            const int before = changes;
+            recorder_->handleSourceBuffer({input_.format, kFrames, &plane});
+            sent += kFrames;
+            if (before % 2 == 0 && changes == before) sentBesideChanges += kFrames;
             std::this_thread::yield();
         }
     });
-    int rolled = 0;
+    const auto dayHasSome = [&] {
+        return recorder_->currentRecordingDurationSec() >= kSecondsADay;
+    };
+    int rolled = testing::eventually(dayHasSome);
     for (int day = 0; day < kDays; ++day) {
+        ++changes;
         clock_.advance(86400);
         timers_.pass(1);
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (recorder_->currentRecordingDurationSec() < 0.1 &&
-               std::chrono::steady_clock::now() < deadline)
-            std::this_thread::yield();
-        rolled += recorder_->currentRecordingDurationSec() >= 0.1;
+        ++changes;
+        rolled += testing::eventually(dayHasSome);
         mainQueue_.runAll();
     }
     ended = true;
     source.join();
     recorder_->toggleRecording();
-    EXPECT_EQ(rolled, kDays);
+    EXPECT_EQ(rolled, kDays + 1);
     EXPECT_EQ(log_.count(kFiring), kDays);
     EXPECT_EQ(log_.containing("stopped → ").size(), kDays + 1U);
+    double found = 0;
     for (int day = 0; day <= kDays; ++day) {
         const auto date =
             isoDateString(at("2026-03-02T12:00:00.0Z") + std::chrono::hours(24) * day);
-        EXPECT_GE(secondsIn(date), day == 0 ? 0 : 0.1) << date;
+        EXPECT_GE(secondsIn(date), kSecondsADay) << date;
         EXPECT_TRUE(exists("json", date)) << date;
+        found += secondsIn(date) * 22050;
     }
+    const double put = paddedFrames(log_);
+    EXPECT_GE(found - (kDays + 1) * kLeastClosing, sentBesideChanges + put);
+    EXPECT_LE(found - (kDays + 1) * kMostClosing, sent + put);
+    EXPECT_LT(sent - sentBesideChanges, 0.5 * sent) << "too little of it was surely to be kept";
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "hub/HubThread.h"
-#include "links/Eventually.h"
+#include "support/Eventually.h"
 #include "support/ManualQueue.h"
 #include "support/ScopedEnvironment.h"
 

@@ -1,11 +1,12 @@
-// The same without the program around it: no recorder, no window, facts as the test gives them.
+// The station integration without the program around it: no recorder, no window, facts as the test
+// gives them.
 
 #include "hub/HubThread.h"
 #include "hub/SwitchboardClientImpl.h"
 #include "hub/SystemHubNetwork.h"
-#include "links/Eventually.h"
 #include "shell/ForeignText.h"
 #include "shell/ShellFixture.h"
+#include "support/Eventually.h"
 
 namespace sonavault::testing {
 namespace {

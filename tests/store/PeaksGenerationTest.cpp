@@ -125,7 +125,6 @@ TEST_F(PeaksOf, a_legacy_day_are_those_of_another_decoders_samples) {
 }
 
 TEST_F(PeaksOf, a_last_part_of_a_bucket_are_over_what_there_is_of_it) {
-    SyntheticMp3 mp3;
     const std::string tone = encoded("sine=f=440:d=3", "-ac 1 -ar 16000 -b:a 24k");
     writeFile(day, tone.substr(0, 50 * 108));  // 7.2 buckets
     const auto peaks = peaksOf(day);

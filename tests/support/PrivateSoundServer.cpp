@@ -83,6 +83,8 @@ PrivateSoundServer::PrivateSoundServer(const Devices& devices) : devices_(device
                     {"PULSE_RUNTIME_PATH", folder},
                     {"PULSE_STATE_PATH", folder},
                     {"PULSE_COOKIE", folder + "/cookie"},
+                    // A program that finds no server turns to the machine's own sound card.
+                    {"ALSA_CONFIG_PATH", folder + "/no-sound-card.conf"},
                     {"XDG_RUNTIME_DIR", folder}};
     writeConfiguration();
 }
@@ -104,6 +106,7 @@ void PrivateSoundServer::writeConfiguration() const {
                   " sink_properties=device.description=Line\n"
                   "set-default-sink line\nset-default-source line.monitor\n";
     writeFile(folder_ / "server.pa", script);
+    writeFile(folder_ / "no-sound-card.conf", "");
 }
 
 void PrivateSoundServer::start() {

@@ -1,29 +1,17 @@
 #include "system/Desk.h"
 
 #include <stdexcept>
-#include <thread>
 
 #include "review/TimelineRows.h"
+#include "support/Eventually.h"
 
 namespace sonavault::testing {
 
-using namespace std::chrono_literals;
-
 namespace {
 
-constexpr auto kPatience = 20s;
 constexpr Size kFirstSize{1480, 920};
 
 }  // namespace
-
-bool eventually(const std::function<bool()>& isSo) {
-    const auto patience = std::chrono::steady_clock::now() + kPatience;
-    while (!isSo()) {
-        if (std::chrono::steady_clock::now() > patience) return false;
-        std::this_thread::sleep_for(20ms);
-    }
-    return true;
-}
 
 Desk::Desk() {
     sound.start();
@@ -87,7 +75,7 @@ bool Desk::eventuallyPrefers(const std::string& key, const std::string& value) c
 }
 
 bool Desk::eventuallySays(const std::string& part) {
-    return program->waitForLine(part, kPatience).has_value();
+    return program->waitForLine(part, kEventually).has_value();
 }
 
 bool Desk::eventuallyIsCalm(const Box& part) const {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 
@@ -63,8 +62,5 @@ class Desk {
     double menuBarHeight_ = 0;
     Box content_;
 };
-
-/// Waits for a condition that nothing tells of.
-bool eventually(const std::function<bool()>& isSo);
 
 }  // namespace sonavault::testing

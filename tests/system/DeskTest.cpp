@@ -7,6 +7,7 @@
 #include "review/DateRow.h"
 #include "review/SummaryBar.h"
 #include "store/MarkerLogWriter.h"
+#include "support/Eventually.h"
 #include "system/Desk.h"
 #include "system/Listening.h"
 #include "system/ReviewedDay.h"

@@ -2,15 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <sstream>
-#include <thread>
 
 #include "store/MarkerLogWriter.h"
-#include "support/PrivateSoundServer.h"
+#include "support/Eventually.h"
+#include "support/Ffmpeg.h"
+#include "system/Desk.h"
 #include "system/Listening.h"
 #include "system/MovableClock.h"
-#include "system/PrivateDesktop.h"
 #include "system/ReviewedDay.h"
 
 namespace sonavault::testing {
@@ -18,10 +19,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kWindow = "Sonavault 0.1.128";
-constexpr auto kAlert = "Sonavault";
 constexpr auto kLoaded = "Sonavault: Loaded recording";
 constexpr auto kConnected = "Sonavault Switchboard: state = connected(";
+constexpr auto kHeartbeat = "sonavault.heartbeat";
 
 // One frame of 24 kbit/s at 22,050 Hz. Units: seconds
 constexpr double kFrameSec = 576.0 / 22050;
@@ -43,46 +43,35 @@ std::string damage(const Heard& heard) {
 }
 
 bool eventuallyExists(const std::filesystem::path& file) {
-    const auto patience = std::chrono::steady_clock::now() + 20s;
-    while (!std::filesystem::exists(file)) {
-        if (std::chrono::steady_clock::now() > patience) return false;
-        std::this_thread::sleep_for(50ms);
-    }
-    return true;
+    return eventually([&] { return std::filesystem::exists(file); });
 }
 
-class ExportTest : public ::testing::Test {
-  protected:
-    /// The cut sounds as the day did from `from` to `to`, seconds of the day, to one frame at
-    /// either end.
-    void expectCut(const std::filesystem::path& cut, const ReviewedDay& day, double from,
-                   double to) const {
-        ASSERT_TRUE(eventuallyExists(cut)) << cut;
-        const Heard heard = listenTo(cut);
-        EXPECT_EQ(damage(heard), "");
-        EXPECT_NEAR(heard.durationSec(), to - from, 2 * kFrameSec);
-        std::vector<double> expected;
-        for (const double burst : burstsIn(day.audio)) {
-            const double place = burst - (from - ReviewedDay::kStartsAt);
-            if (place > 1 && place < to - from - 1) expected.push_back(place);
-        }
-        std::vector<double> bursts;
-        for (const double burst : burstsIn(cut))
-            if (burst > 1 && burst < to - from - 1) bursts.push_back(burst);
-        ASSERT_EQ(bursts.size(), expected.size());
-        for (std::size_t i = 0; i < bursts.size(); ++i)
-            EXPECT_NEAR(bursts[i], expected[i], kFrameSec + kHearing) << "burst " << i;
+/// The cut sounds as the day did from `from` to `to`, seconds of the day, to one frame at either
+/// end.
+void expectCut(const std::filesystem::path& cut, const ReviewedDay& day, double from, double to) {
+    ASSERT_TRUE(eventuallyExists(cut)) << cut;
+    const Heard heard = listenTo(cut);
+    EXPECT_EQ(damage(heard), "");
+    EXPECT_NEAR(heard.durationSec(), to - from, 2 * kFrameSec);
+    std::vector<double> expected;
+    for (const double burst : burstsIn(day.audio)) {
+        const double place = burst - (from - ReviewedDay::kStartsAt);
+        if (place > 1 && place < to - from - 1) expected.push_back(place);
     }
+    std::vector<double> bursts;
+    for (const double burst : burstsIn(cut))
+        if (burst > 1 && burst < to - from - 1) bursts.push_back(burst);
+    ASSERT_EQ(bursts.size(), expected.size());
+    for (std::size_t i = 0; i < bursts.size(); ++i)
+        EXPECT_NEAR(bursts[i], expected[i], kFrameSec + kHearing) << "burst " << i;
+}
 
-    std::filesystem::path airchecks() const {
-        return station_.home() / "Calderwave/Station/Logs/Airchecks";
-    }
-
-    Station station_;
-};
+std::string dateOf(const Station& station) {
+    return station.dayFile("mp3").stem().string().substr(std::string("Sonavault_").size());
+}
 
 /// Each with the hub running and the program told where it is.
-class ScheduledExportTest : public ExportTest {
+class ScheduledExportTest : public ::testing::Test {
   protected:
     ScheduledExportTest() {
         station_.setEnvironment({{"SWITCHBOARD_SOCKET", (station_.home() / "hub.sock").string()}});
@@ -90,26 +79,56 @@ class ScheduledExportTest : public ExportTest {
         hub_ = station_.startHub();
     }
 
-    /// One of every day, from six on, whose last hour is `endHour`.
-    void haveCard(int endHour) {
+    /// A card of every day, from six on, whose last hour is `endHour`, as preferences hold it.
+    static std::string quotedCard(const std::string& label, int endHour) {
         const std::string card =
-            R"json([{"active":true,"daysOfWeek":[1,2,3,4,5,6,7],"endHour":)json" +
-            std::to_string(endHour) +
-            R"json(,"id":"6F0C2B7E","label":"Morning","lastRunDate":"","mode":"liveMic",)json" +
-            R"json("startHour":6}])json";
+            R"json({"active":true,"daysOfWeek":[1,2,3,4,5,6,7],"endHour":)json" +
+            std::to_string(endHour) + R"json(,"id":")json" + label + R"json(","label":")json" +
+            label + R"json(","lastRunDate":"","mode":"liveMic","startHour":6})json";
         std::string quoted;
         for (const char letter : card) {
             if (letter == '"') quoted += '\\';
             quoted += letter;
         }
-        station_.choose("SVScheduledAirchecks", "\"@ByteArray(" + quoted + ")\"");
+        return quoted;
     }
 
-    std::filesystem::path card() const {
-        const std::string date = station_.dayFile("mp3").stem().string().substr(10);
-        return airchecks() / ("Aircheck_Morning_Live_" + date + "_06-07.mp3");
+    void haveCard(int endHour) {
+        station_.choose("SVScheduledAirchecks",
+                        "\"@ByteArray([" + quotedCard("Morning", endHour) + "])\"");
     }
 
+    /// One more card behind those that the program itself wrote down.
+    void addCard(const std::string& label) const {
+        const auto file = station_.home() / ".config/com.calderwave.sonavault.conf";
+        std::string all = readFile(file);
+        const auto end = all.find("}])\"");
+        ASSERT_NE(end, std::string::npos) << all;
+        writeFile(file, all.insert(end + 1, "," + quotedCard(label, 7)));
+    }
+
+    std::filesystem::path airchecks() const {
+        return station_.home() / "Calderwave/Station/Logs/Airchecks";
+    }
+
+    std::filesystem::path savedOf(const std::string& label) const {
+        return airchecks() / ("Aircheck_" + label + "_Live_" + dateOf(station_) + "_06-07.mp3");
+    }
+
+    /// That the hub was told of it, in a line that comes or came.
+    static std::string announcementOf(const std::string& label) {
+        return R"("label":")" + label + R"(","mode":"liveMic")";
+    }
+    std::size_t announcementsOf(const std::string& label) const {
+        const auto lines = hub_->lines();
+        return static_cast<std::size_t>(
+            std::count_if(lines.begin(), lines.end(), [&](const HeardLine& line) {
+                return line.text.find("sonavault.aircheck-saved") != std::string::npos &&
+                       line.text.find(announcementOf(label)) != std::string::npos;
+            }));
+    }
+
+    Station station_;
     std::unique_ptr<ChildProcess> hub_;
 };
 
@@ -119,15 +138,20 @@ TEST_F(ScheduledExportTest, a_card_whose_window_is_over_runs_once_and_is_announc
     {
         const auto program = station_.start();
         ASSERT_TRUE(program->waitForLine(kConnected, 20s)) << program->text();
-        expectCut(card(), day, 7 * 3600 - 8, 7 * 3600 + 60 + 8);
-        EXPECT_TRUE(isPieceOf(card(), day.audio));
+        expectCut(savedOf("Morning"), day, 7 * 3600 - 8, 7 * 3600 + 60 + 8);
+        EXPECT_TRUE(isPieceOf(savedOf("Morning"), day.audio));
+        EXPECT_TRUE(eventually([&] { return announcementsOf("Morning") > 0; })) << hub_->text();
     }
-    const auto written = std::filesystem::last_write_time(card());
+    const auto announced = announcementsOf("Morning");
+    const auto written = std::filesystem::last_write_time(savedOf("Morning"));
+    // The schedule has surely looked at the first card when it has come to the one behind it.
+    addCard("Second");
     const auto program = station_.start();
-    ASSERT_TRUE(program->waitForLine(kConnected, 20s)) << program->text();
-    std::this_thread::sleep_for(2s);  // longer than the first run took
-    EXPECT_EQ(std::filesystem::last_write_time(card()), written);
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(airchecks()), {}), 1);
+    EXPECT_TRUE(eventually([&] { return announcementsOf("Second") > 0; })) << hub_->text();
+    EXPECT_TRUE(hub_->waitForLine(kHeartbeat, 20s, hub_->lineCount())) << hub_->text();
+    EXPECT_EQ(announcementsOf("Morning"), announced) << hub_->text();
+    EXPECT_EQ(std::filesystem::last_write_time(savedOf("Morning")), written);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(airchecks()), {}), 2);
 }
 
 TEST_F(ScheduledExportTest, a_card_that_comes_due_while_the_program_runs_is_announced_on_the_hub) {
@@ -148,66 +172,59 @@ TEST_F(ScheduledExportTest, a_card_that_comes_due_while_the_program_runs_is_anno
 }
 
 /// A person with a window before them.
-class DeskExportTest : public ExportTest {
+class DeskExportTest : public ::testing::Test {
   protected:
     DeskExportTest() {
-        sound_.start();
-        station_.setEnvironment(sound_.environment());
-        station_.setEnvironment(desktop_.environment());
         std::filesystem::create_directories(output_);
-        station_.choose("SonavaultLastExportFolder", output_.string());
+        desk_.station.choose("SonavaultLastExportFolder", output_.string());
     }
 
     void open() {
-        program_ = station_.start();
-        ASSERT_TRUE(program_->waitForLine(kLoaded, 20s)) << program_->text();
-        desktop_.awaitFront(kWindow);
+        desk_.open();
+        ASSERT_TRUE(desk_.eventuallySays(kLoaded)) << desk_.program->text();
     }
 
+    void press(const std::vector<std::string>& keys) const { desk_.desktop.press(keys); }
+
     /// The playhead is where the day begins.
-    void goToSeven() const { desktop_.press({"ctrl+Right"}); }
+    void goToSeven() const { press({"ctrl+Right"}); }
     void goOn(int tensOfSeconds) const {
-        desktop_.press(
-            std::vector<std::string>(static_cast<std::size_t>(tensOfSeconds), "shift+Right"));
+        press(std::vector<std::string>(static_cast<std::size_t>(tensOfSeconds), "shift+Right"));
     }
 
     /// Answers the question with its first button and saves under the name that is offered.
     void answerAndSave(const std::string& panel) const {
-        desktop_.awaitFront(kAlert);
-        desktop_.press({"Return"});
-        desktop_.awaitFront(panel);
-        desktop_.press({"Return"});
+        desk_.confirm();
+        desk_.desktop.awaitFront(panel);
+        press({"Return"});
     }
 
     /// Reads the report and closes it by its last button.
     void closeReport() const {
-        desktop_.awaitFront(kAlert);
-        desktop_.press({"Escape"});
-        desktop_.awaitFront(kWindow);
+        desk_.dismiss();
+        desk_.desktop.awaitFront(Desk::kWindow);
     }
 
-    std::string date() const { return station_.dayFile("mp3").stem().string().substr(10); }
+    std::string date() const { return dateOf(desk_.station); }
 
-    PrivateSoundServer sound_;
-    PrivateDesktop desktop_;
-    const std::filesystem::path output_ = station_.home() / "cuts";
-    std::unique_ptr<ChildProcess> program_;
+    Desk desk_;
+    const std::filesystem::path output_ = desk_.station.home() / "cuts";
 };
 
 TEST_F(DeskExportTest, two_ranges_are_marked_by_keys_and_saved_as_one_file) {
-    const ReviewedDay day(station_);
+    const ReviewedDay day(desk_.station);
     open();
     goToSeven();
-    desktop_.press({"bracketleft"});
+    press({"bracketleft"});
     goOn(6);
-    desktop_.press({"bracketright"});
+    press({"bracketright"});
     goOn(6);
-    desktop_.press({"i"});
+    press({"i"});
     goOn(3);
-    desktop_.press({"o", "e"});
+    press({"o", "e"});
     answerAndSave("Save Selections");
     const auto cut = output_ / (date() + "_selections.mp3");
-    ASSERT_TRUE(eventuallyExists(cut)) << program_->text();
+    ASSERT_TRUE(eventuallyExists(cut)) << desk_.program->text();
     closeReport();
     const Heard heard = listenTo(cut);
     EXPECT_EQ(damage(heard), "");
@@ -216,12 +233,12 @@ TEST_F(DeskExportTest, two_ranges_are_marked_by_keys_and_saved_as_one_file) {
 }
 
 TEST_F(DeskExportTest, one_range_has_its_bursts_where_the_day_had_them) {
-    const ReviewedDay day(station_);
+    const ReviewedDay day(desk_.station);
     open();
     goToSeven();
-    desktop_.press({"bracketleft"});
+    press({"bracketleft"});
     goOn(6);
-    desktop_.press({"bracketright", "e"});
+    press({"bracketright", "e"});
     answerAndSave("Save Selections");
     expectCut(output_ / (date() + "_selections.mp3"), day, 7 * 3600, 7 * 3600 + 60);
     closeReport();
@@ -229,51 +246,70 @@ TEST_F(DeskExportTest, one_range_has_its_bursts_where_the_day_had_them) {
 }
 
 TEST_F(DeskExportTest, a_range_that_was_undone_is_not_exported) {
-    const ReviewedDay day(station_);
+    const ReviewedDay day(desk_.station);
     open();
     goToSeven();
-    desktop_.press({"bracketleft"});
+    press({"bracketleft"});
     goOn(6);
-    desktop_.press({"bracketright", "ctrl+z", "e"});
+    press({"bracketright", "ctrl+z", "e"});
     // A range marked afterwards brings the alert: the keys before it were heard and gave none.
-    desktop_.press({"bracketleft"});
+    press({"bracketleft"});
     goOn(1);
-    desktop_.press({"bracketright"});
-    EXPECT_FALSE(desktop_.hasWindow(kAlert));
-    desktop_.press({"e"});
-    desktop_.awaitFront(kAlert);
-    desktop_.press({"Escape"});
-    desktop_.awaitFront(kWindow);
+    press({"bracketright"});
+    EXPECT_FALSE(desk_.desktop.hasWindow(Desk::kAlert));
+    press({"e"});
+    closeReport();
     EXPECT_TRUE(std::filesystem::is_empty(output_));
 }
 
 TEST_F(DeskExportTest, an_aircheck_is_compiled_from_the_log) {
-    const ReviewedDay day(station_, micFrom("06:55:00", "06:55:40"));
+    const ReviewedDay day(desk_.station, micFrom("06:55:00", "06:55:40"));
     open();
-    desktop_.press({"a"});
+    press({"a"});
     answerAndSave("Save Aircheck");
     expectCut(output_ / ("Aircheck_Live_" + date() + ".mp3"), day, 6 * 3600 + 55 * 60 - 8,
               6 * 3600 + 55 * 60 + 48);
     closeReport();
 }
 
+/// The frequency of the tone that is heard first, as the middle one of its periods in a second, so
+/// that a dropout changes nothing; nothing before so much was heard. Units: hertz
+std::optional<double> firstTone(const std::vector<float>& samples) {
+    constexpr std::size_t kRate = 48000;
+    const auto begin = std::find_if(samples.begin(), samples.end(),
+                                    [](float sample) { return std::abs(sample) > 0.1F; });
+    std::vector<double> crossings;
+    if (samples.end() - begin < 2 * static_cast<std::ptrdiff_t>(kRate)) return std::nullopt;
+    for (std::size_t i = 1; i < kRate; ++i) {
+        const double before = begin[static_cast<std::ptrdiff_t>(2 * i - 2)];
+        const double after = begin[static_cast<std::ptrdiff_t>(2 * i)];
+        if (before < 0 && after >= 0)
+            crossings.push_back(static_cast<double>(i) - after / (after - before));
+    }
+    std::vector<double> periods;
+    for (std::size_t i = 1; i < crossings.size(); ++i)
+        periods.push_back(crossings[i] - crossings[i - 1]);
+    if (periods.empty()) return 0;
+    const auto middle = periods.begin() + static_cast<std::ptrdiff_t>(periods.size() / 2);
+    std::nth_element(periods.begin(), middle, periods.end());
+    return kRate / *middle;
+}
+
 TEST_F(DeskExportTest, a_day_is_heard_from_seven_on) {
-    const ReviewedDay day(station_);
-    sound_.listenTo();
+    const ReviewedDay day(desk_.station);
+    // A tone that rises by a hertz each second tells its place.
+    encodeWithFfmpeg(day.audio, R"(aevalsrc=0.5*sin(2*PI*(500*t+0.5*t*t)):s=16000:d=660)",
+                     "-ac 1 -ar 16000 -b:a 24k");
+    desk_.sound.listenTo();
     open();
     goToSeven();
     goOn(1);
-    desktop_.press({"space"});
-    const auto loud = [this] {
-        const auto heard = sound_.heard();
-        return std::count_if(heard.begin(), heard.end(),
-                             [](float sample) { return std::abs(sample) > 0.3F; }) > 1000;
-    };
-    const auto patience = std::chrono::steady_clock::now() + 20s;
-    while (!loud() && std::chrono::steady_clock::now() < patience)
-        std::this_thread::sleep_for(50ms);
-    EXPECT_TRUE(loud());
-    desktop_.press({"space"});
+    press({"space"});
+    std::optional<double> heard;
+    EXPECT_TRUE(eventually([&] { return (heard = firstTone(desk_.sound.heard())).has_value(); }));
+    const double place = 7 * 3600 + 10 - ReviewedDay::kStartsAt;
+    EXPECT_NEAR(heard.value_or(0), 500 + place + 0.5, 2);
+    press({"space"});
 }
 
 }  // namespace

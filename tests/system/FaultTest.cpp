@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -13,6 +14,7 @@
 
 #include "platform/AudioFileInfo.h"
 #include "store/RecordingManifest.h"
+#include "support/Eventually.h"
 #include "system/Listening.h"
 #include "system/SmallDisk.h"
 #include "system/Station.h"
@@ -70,9 +72,11 @@ class Fault : public ::testing::Test {
         program_ = station_.start(output);
     }
 
-    void expectLine(const std::string& line, std::chrono::milliseconds patience = 20s) {
-        EXPECT_TRUE(program_->waitForLine(line, patience)) << "no \"" << line << "\" in\n"
-                                                           << program_->text();
+    /// `fromLine`: lines before this one don't count.
+    void expectLine(const std::string& line, std::chrono::milliseconds patience = 20s,
+                    std::size_t fromLine = 0) {
+        EXPECT_TRUE(program_->waitForLine(line, patience, fromLine)) << "no \"" << line << "\" in\n"
+                                                                     << program_->text();
     }
 
     /// Recording goes on: a line about the clock that was not there before, and soon.
@@ -89,15 +93,22 @@ class Fault : public ::testing::Test {
 
     /// Waits until the day's file has grown beyond `bytes`.
     bool growsBeyond(std::uintmax_t bytes, std::chrono::seconds patience) const {
-        const auto deadline = std::chrono::steady_clock::now() + patience;
-        while (std::chrono::steady_clock::now() < deadline) {
+        return growsBeyond(bytes, patience, station_.dayFile("mp3"));
+    }
+    static bool growsBeyond(std::uintmax_t bytes, std::chrono::seconds patience,
+                            const std::filesystem::path& file) {
+        const auto hasGrown = [&] {
             std::error_code absent;
-            if (const auto size = std::filesystem::file_size(station_.dayFile("mp3"), absent);
-                !absent && size > bytes)
-                return true;
-            usleep(50'000);
-        }
-        return false;
+            const auto size = std::filesystem::file_size(file, absent);
+            return !absent && size > bytes;
+        };
+        return eventually(hasGrown, patience);
+    }
+
+    /// Which one it was; 0 when the copy ended by itself or not in time.
+    static int signalThatEnded(ChildProcess& copy) {
+        const auto status = copy.waitForEnd(5s);
+        return status && WIFSIGNALED(*status) ? WTERMSIG(*status) : 0;
     }
 
     Station station_;
@@ -162,8 +173,13 @@ TEST_F(Fault, a_folder_that_disappears_takes_nothing_else_with_it) {
     expectStillRecording();
     automation_->signal(SIGTERM);
     expectLine(kStopped);
+    const auto linesAtStop = program_->lineCount();
     automation_ = station_.startAutomation({"--signal", "tone"});
-    expectLine("auto-resume firing (handshake just landed)");
+    expectLine("auto-resume firing (handshake just landed)", 20s, linesAtStop);
+    expectLine(kStarted, 20s, linesAtStop);
+    const auto day =
+        station_.home() / "Documents/Calderwave_Recordings" / station_.dayFile("mp3").filename();
+    EXPECT_TRUE(growsBeyond(3000, 20s, day)) << "where a machine without a station records";
     expectStillRecording();
     EXPECT_TRUE(program_->isAlive());
 }
@@ -192,7 +208,7 @@ TEST_F(Fault, an_older_copy_ends_for_a_newer_one_which_goes_on_in_the_same_file)
     const auto before = std::filesystem::file_size(station_.dayFile("mp3"));
     const auto older = std::move(program_);
     launch();
-    EXPECT_TRUE(older->waitForEnd(5s));
+    EXPECT_EQ(signalThatEnded(*older), SIGTERM) << "it was asked, and not forced";
     expectLine(kStarted);
     EXPECT_TRUE(growsBeyond(before + 3000, 15s));
     EXPECT_TRUE(program_->isAlive());
@@ -203,7 +219,7 @@ TEST_F(Fault, an_older_copy_that_does_not_answer_is_forced) {
     const auto older = std::move(program_);
     older->signal(SIGSTOP);
     launch();
-    EXPECT_TRUE(older->waitForEnd(5s));
+    EXPECT_EQ(signalThatEnded(*older), SIGKILL);
     expectLine(kStarted);
 }
 

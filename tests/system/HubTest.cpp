@@ -47,12 +47,22 @@ class OnTheHub : public ::testing::Test {
         ASSERT_TRUE(program_->waitForLine(kSync, 20s)) << program_->text();
     }
 
-    /// Lines about the clock go on coming, and none of the air since the start had to be made up.
+    /// What of the air had to be made up since the start. Units: seconds
+    double paddedSec() const {
+        double sum = 0;
+        for (const auto& line : program_->lines())
+            if (line.text.find("wall-clock pad") != std::string::npos)
+                sum += number(line.text, " frames (");
+        return sum;
+    }
+
+    /// Lines about the clock go on coming, and no air was lost but what a stall of the whole
+    /// machine costs.
     void expectUndisturbedRecording() {
         for (int i = 0; i < 2; ++i)
             EXPECT_TRUE(program_->waitForLine(kSync, 15s, program_->lineCount()))
                 << program_->text();
-        EXPECT_FALSE(program_->waitForLine("wall-clock pad", 0s)) << program_->text();
+        EXPECT_LT(paddedSec(), 0.5) << program_->text();
     }
 
     bool hubHears(const std::string& part, std::size_t fromLine = 0) const {

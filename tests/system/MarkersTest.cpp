@@ -1,10 +1,10 @@
 // The marker link, from the automation's socket to the day's log.
 
 #include <gtest/gtest.h>
-#include <poll.h>
 
 #include <csignal>
 
+#include "support/Eventually.h"
 #include "system/Listening.h"
 #include "system/SentMarkers.h"
 #include "system/Station.h"
@@ -49,16 +49,6 @@ class MarkersToLog : public ::testing::Test {
     std::string log() const {
         const auto file = station_.dayFile("csv");
         return std::filesystem::exists(file) ? readFile(file) : std::string();
-    }
-
-    template <class Condition>
-    static bool eventually(Condition condition) {
-        const auto deadline = std::chrono::steady_clock::now() + 20s;
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > deadline) return false;
-            poll(nullptr, 0, 10);
-        }
-        return true;
     }
 
     void expectLogged(const std::string& row) const {

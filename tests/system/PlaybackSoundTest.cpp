@@ -8,11 +8,11 @@
 #include <cmath>
 #include <iostream>
 #include <memory>
-#include <thread>
 #include <vector>
 
 #include "platform/CubebOutput.h"
 #include "review/ReviewFixture.h"
+#include "support/Eventually.h"
 #include "support/Ffmpeg.h"
 #include "support/PrivateSoundServer.h"
 
@@ -74,12 +74,7 @@ class PlaybackSoundTest : public ReviewFixture {
     /// Whether so many frames more are heard in time.
     bool awaitFrames(std::size_t frames, std::chrono::seconds patience = 60s) const {
         const auto enough = heard(0).size() + frames;
-        const auto giveUp = std::chrono::steady_clock::now() + patience;
-        while (heard(0).size() < enough) {
-            if (std::chrono::steady_clock::now() > giveUp) return false;
-            std::this_thread::sleep_for(20ms);
-        }
-        return true;
+        return eventually([&] { return heard(0).size() >= enough; }, patience);
     }
 
     static std::size_t firstAudible(const std::vector<float>& samples) {

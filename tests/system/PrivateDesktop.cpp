@@ -4,15 +4,12 @@
 #include <cmath>
 #include <cstdlib>
 #include <stdexcept>
-#include <thread>
+
+#include "support/Eventually.h"
 
 namespace sonavault::testing {
 
-using namespace std::chrono_literals;
-
 namespace {
-
-constexpr auto kPatience = 20s;
 
 using Gestures = std::vector<std::string>;
 
@@ -39,7 +36,7 @@ PrivateDesktop::PrivateDesktop() {
 
 std::optional<std::string> PrivateDesktop::ask(const std::vector<std::string>& command) const {
     ChildProcess asked(command, display_.environment());
-    const auto status = asked.waitForEnd(kPatience);
+    const auto status = asked.waitForEnd(kEventually);
     if (status != 0) return std::nullopt;
     return asked.text();
 }
@@ -49,15 +46,14 @@ void PrivateDesktop::use(const std::vector<std::string>& command) const {
 }
 
 void PrivateDesktop::awaitFront(const std::string& title) const {
-    const auto patience = std::chrono::steady_clock::now() + kPatience;
     std::string front;
     // Before the window manager is up there is none to ask for.
-    while (std::chrono::steady_clock::now() < patience) {
+    const auto isInFront = [&] {
         front = ask({"xdotool", "getactivewindow", "getwindowname"}).value_or("");
         while (!front.empty() && front.back() == '\n') front.pop_back();
-        if (front == title) return;
-        std::this_thread::sleep_for(50ms);
-    }
+        return front == title;
+    };
+    if (eventually(isInFront)) return;
     throw std::runtime_error("\"" + title + "\" did not come to the front, but \"" + front + "\"");
 }
 
@@ -133,7 +129,7 @@ int PrivateDesktop::windowCount(const std::string& title) const {
 Box PrivateDesktop::windowBox(const std::string& title) const {
     std::string told;
     // A window that opens or is resized may not be found for a moment.
-    const auto patience = std::chrono::steady_clock::now() + kPatience;
+    const auto patience = std::chrono::steady_clock::now() + kEventually;
     while (told.find("\nWIDTH=") == std::string::npos || told.find("\nSCREEN=") == told.npos) {
         if (std::chrono::steady_clock::now() > patience) throw std::runtime_error("no " + title);
         told = ask({"xdotool", "search", "--onlyvisible", "--name", "^" + title + "$",
@@ -160,12 +156,7 @@ void PrivateDesktop::resizeWindow(const std::string& title, Size inside) const {
 }
 
 bool PrivateDesktop::awaitSight(const std::function<bool(const ScreenPicture&)>& isSo) const {
-    const auto patience = std::chrono::steady_clock::now() + kPatience;
-    while (!isSo(look())) {
-        if (std::chrono::steady_clock::now() > patience) return false;
-        std::this_thread::sleep_for(50ms);
-    }
-    return true;
+    return eventually([&] { return isSo(look()); });
 }
 
 void PrivateDesktop::takePicture(const std::string& name) const {

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "platform/AudioFileInfo.h"
+#include "support/Eventually.h"
 #include "support/PrivateSoundServer.h"
 #include "system/PrivateDisplay.h"
 #include "system/Station.h"
@@ -38,12 +39,7 @@ class WindowTest : public ::testing::Test {
     }
 
     bool eventuallyHasRecorded(double seconds) const {
-        const auto patience = std::chrono::steady_clock::now() + 20s;
-        while (recordedSec() < seconds) {
-            if (std::chrono::steady_clock::now() > patience) return false;
-            std::this_thread::sleep_for(50ms);
-        }
-        return true;
+        return eventually([&] { return recordedSec() >= seconds; });
     }
 
     PrivateDisplay display_;

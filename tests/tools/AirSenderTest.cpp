@@ -6,14 +6,15 @@
 #include <QTcpServer>
 #include <optional>
 
-#include "links/Eventually.h"
 #include "links/HeardCallbacks.h"
+#include "support/Eventually.h"
 #include "support/RecordedLog.h"
 
 namespace sonavault::automation {
 namespace {
 
 using sonavault::testing::eventually;
+using sonavault::testing::eventuallyServingEvents;
 using sonavault::testing::HeardCallbacks;
 using sonavault::testing::RecordedLog;
 
@@ -33,16 +34,8 @@ class AirSenderTest : public ::testing::Test {
         sender_->start([this](int exitCode) { exitCode_ = exitCode; });
     }
 
-    template <class Condition>
-    bool meanwhile(Condition condition) {
-        return eventually([&] {
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
-            return condition();
-        });
-    }
-
     bool hears(std::size_t samples) {
-        return meanwhile([&] { return heard_.sampleCount() >= samples; });
+        return eventuallyServingEvents([&] { return heard_.sampleCount() >= samples; });
     }
 
     RecordedLog log_;
@@ -81,7 +74,7 @@ TEST_F(AirSenderTest, sends_no_more_than_real_time_allows) {
 TEST_F(AirSenderTest, comes_back_with_a_new_handshake_after_a_drop) {
     options_.plan.add({AirState::dropped, 0.1, 0.2});
     startSender();
-    ASSERT_TRUE(meanwhile([&] { return heard_.events().size() >= 5; }));
+    ASSERT_TRUE(eventuallyServingEvents([&] { return heard_.events().size() >= 5; }));
     const std::string handshake = "handshake 44100 Hz, 2 ch, Float32, interleaved";
     EXPECT_EQ(heard_.events(),
               (std::vector<std::string>{handshake, "samples", "disconnect", handshake, "samples"}));
@@ -101,8 +94,8 @@ TEST_F(AirSenderTest, obeys_commands) {
     startSender();
     ASSERT_TRUE(hears(1));
     sender_->obey({Command::Kind::drop});
-    ASSERT_TRUE(meanwhile([&] { return heard_.disconnects() == 1; }));
-    ASSERT_TRUE(meanwhile([&] { return heard_.lastEvent() == "samples"; }));
+    ASSERT_TRUE(eventuallyServingEvents([&] { return heard_.disconnects() == 1; }));
+    ASSERT_TRUE(eventuallyServingEvents([&] { return heard_.lastEvent() == "samples"; }));
     sender_->obey({Command::Kind::stall, 1000});
     sender_->obey({Command::Kind::resume});
     ASSERT_TRUE(hears(heard_.sampleCount() + 5000));
@@ -114,12 +107,12 @@ TEST_F(AirSenderTest, obeys_commands) {
 TEST_F(AirSenderTest, connects_once_the_server_listens) {
     server_.stop();
     startSender();
-    ASSERT_TRUE(meanwhile([&] { return !said_.empty(); }));
+    ASSERT_TRUE(eventuallyServingEvents([&] { return !said_.empty(); }));
     HeardCallbacks heard;
     SVAudioServer later(log_, options_.port);
     heard.listenTo(later);
     later.start();
-    EXPECT_TRUE(meanwhile([&] { return heard.sampleCount() > 0; }));
+    EXPECT_TRUE(eventuallyServingEvents([&] { return heard.sampleCount() > 0; }));
     EXPECT_FALSE(exitCode_);
 }
 
@@ -128,14 +121,14 @@ TEST_F(AirSenderTest, connects_again_after_a_newer_sender_displaced_it) {
     ASSERT_TRUE(hears(1));
     QTcpSocket other;
     other.connectToHost("127.0.0.1", options_.port);
-    ASSERT_TRUE(meanwhile([&] { return heard_.disconnects() == 1; }));
-    EXPECT_TRUE(meanwhile([&] { return heard_.lastEvent() == "samples"; }));
+    ASSERT_TRUE(eventuallyServingEvents([&] { return heard_.disconnects() == 1; }));
+    EXPECT_TRUE(eventuallyServingEvents([&] { return heard_.lastEvent() == "samples"; }));
 }
 
 TEST_F(AirSenderTest, ends_after_its_duration) {
     options_.durationSec = 0.2;
     startSender();
-    ASSERT_TRUE(meanwhile([&] { return exitCode_.has_value(); }));
+    ASSERT_TRUE(eventuallyServingEvents([&] { return exitCode_.has_value(); }));
     EXPECT_EQ(*exitCode_, 0);
     EXPECT_TRUE(eventually([&] { return heard_.disconnects() == 1; }));
     EXPECT_EQ(heard_.sampleCount(), 2 * static_cast<std::size_t>(sender_->framesSent()));
@@ -146,7 +139,7 @@ TEST_F(AirSenderTest, ends_with_its_only_connection_when_told_to_connect_once) {
     startSender();
     ASSERT_TRUE(hears(1));
     server_.stop();
-    ASSERT_TRUE(meanwhile([&] { return exitCode_.has_value(); }));
+    ASSERT_TRUE(eventuallyServingEvents([&] { return exitCode_.has_value(); }));
     EXPECT_EQ(*exitCode_, 0);
 }
 
@@ -154,7 +147,7 @@ TEST_F(AirSenderTest, fails_when_told_to_connect_once_and_nobody_listens) {
     options_.once = true;
     server_.stop();
     startSender();
-    ASSERT_TRUE(meanwhile([&] { return exitCode_.has_value(); }));
+    ASSERT_TRUE(eventuallyServingEvents([&] { return exitCode_.has_value(); }));
     EXPECT_EQ(*exitCode_, 1);
 }
 

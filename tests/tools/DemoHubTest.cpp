@@ -8,13 +8,13 @@
 #include <filesystem>
 #include <fstream>
 
-#include "links/Eventually.h"
+#include "support/Eventually.h"
 #include "support/TempFolder.h"
 
 namespace sonavault::demohub {
 namespace {
 
-using sonavault::testing::eventually;
+using sonavault::testing::eventuallyServingEvents;
 using ::testing::HasSubstr;
 using Kind = HubCommand::Kind;
 
@@ -30,22 +30,15 @@ class DemoHubTest : public ::testing::Test {
 
     std::string path() const { return folder_ / "hub.sock"; }
 
-    template <class Condition>
-    static bool meanwhile(Condition condition) {
-        return eventually([&] {
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
-            return condition();
-        });
-    }
-
     bool connectTo(QLocalSocket& socket) const {
         socket.connectToServer(QString::fromStdString(path()));
-        return meanwhile([&] { return socket.state() == QLocalSocket::ConnectedState; });
+        return eventuallyServingEvents(
+            [&] { return socket.state() == QLocalSocket::ConnectedState; });
     }
 
     /// What the client is told, as far as `part` and the end of its line.
     std::string hears(const std::string& part) {
-        meanwhile([&] {
+        eventuallyServingEvents([&] {
             heard_ += client_.readAll().toStdString();
             const auto at = heard_.find(part);
             return at != std::string::npos && heard_.find('\n', at) != std::string::npos;
@@ -83,7 +76,7 @@ TEST_F(DemoHubTest, tells_a_line_it_does_not_understand_and_goes_on) {
 TEST_F(DemoHubTest, publishes_pings_and_sends_bytes_on_command) {
     client_.write(kAnnounce);
     client_.write("{\"type\":\"subscribe\",\"from\":\"A\",\"topic\":\"t\"}\n");
-    ASSERT_TRUE(meanwhile([&] { return said_.size() >= 5; }));
+    ASSERT_TRUE(eventuallyServingEvents([&] { return said_.size() >= 5; }));
     hub_.obey({.kind = Kind::publish, .from = "B", .topic = "t", .payload = {{"x", 1}}});
     EXPECT_THAT(hears("notify"), HasSubstr(R"({"from":"B","payload":{"x":1},"topic":"t",)"));
     hub_.obey({.kind = Kind::ping});
@@ -105,17 +98,19 @@ TEST_F(DemoHubTest, answers_a_query_itself_when_its_recipient_does_not) {
 
 TEST_F(DemoHubTest, drops_its_clients_and_takes_them_again) {
     hub_.obey({.kind = Kind::drop});
-    ASSERT_TRUE(meanwhile([&] { return client_.state() == QLocalSocket::UnconnectedState; }));
-    ASSERT_TRUE(meanwhile([&] { return said("#1 disconnected"); }));
+    ASSERT_TRUE(
+        eventuallyServingEvents([&] { return client_.state() == QLocalSocket::UnconnectedState; }));
+    ASSERT_TRUE(eventuallyServingEvents([&] { return said("#1 disconnected"); }));
     EXPECT_TRUE(connectTo(client_));
-    EXPECT_TRUE(meanwhile([&] { return said("#2 connected"); }));
+    EXPECT_TRUE(eventuallyServingEvents([&] { return said("#2 connected"); }));
 }
 
 TEST_F(DemoHubTest, refuses_newcomers_until_it_accepts_again) {
     hub_.obey({.kind = Kind::refuse});
     QLocalSocket newcomer;
     newcomer.connectToServer(QString::fromStdString(path()));
-    EXPECT_TRUE(meanwhile([&] { return newcomer.state() == QLocalSocket::UnconnectedState; }));
+    EXPECT_TRUE(eventuallyServingEvents(
+        [&] { return newcomer.state() == QLocalSocket::UnconnectedState; }));
     hub_.obey({.kind = Kind::accept});
     EXPECT_TRUE(connectTo(newcomer));
 }
@@ -125,7 +120,7 @@ TEST_F(DemoHubTest, delays_what_goes_out_in_its_order) {
     QElapsedTimer time;
     time.start();
     hub_.obey({.kind = Kind::raw, .text = "one\n"});
-    ASSERT_TRUE(meanwhile([&] { return said("#1 connected"); }));
+    ASSERT_TRUE(eventuallyServingEvents([&] { return said("#1 connected"); }));
     hub_.obey({.kind = Kind::raw, .text = "two\n"});
     hub_.obey({.kind = Kind::raw, .text = "three\n"});
     EXPECT_THAT(hears("three"), HasSubstr("two\nthree\n"));
@@ -133,14 +128,14 @@ TEST_F(DemoHubTest, delays_what_goes_out_in_its_order) {
 }
 
 TEST_F(DemoHubTest, leaves_what_comes_in_unread_until_it_reads_again) {
-    ASSERT_TRUE(meanwhile([&] { return said("#1 connected"); }));
+    ASSERT_TRUE(eventuallyServingEvents([&] { return said("#1 connected"); }));
     hub_.obey({.kind = Kind::stopReading});
     client_.write(kAnnounce);
     client_.write(QByteArray(2'000'000, ' ') + "\n");
     client_.write("{\"type\":\"ping\",\"from\":\"A\",\"id\":\"2\"}\n");
     QElapsedTimer time;
     time.start();
-    meanwhile([&] { return time.elapsed() > 100; });
+    eventuallyServingEvents([&] { return time.elapsed() > 100; });
     EXPECT_GT(client_.bytesToWrite(), 1'000'000);
     EXPECT_EQ(said_.size(), 2U);
     hub_.obey({.kind = Kind::read});
@@ -150,7 +145,7 @@ TEST_F(DemoHubTest, leaves_what_comes_in_unread_until_it_reads_again) {
 TEST_F(DemoHubTest, is_silent_until_it_speaks_again) {
     hub_.obey({.kind = Kind::silent});
     client_.write(kAnnounce);
-    ASSERT_TRUE(meanwhile([&] { return said_.size() >= 3; }));
+    ASSERT_TRUE(eventuallyServingEvents([&] { return said_.size() >= 3; }));
     hub_.obey({.kind = Kind::speak});
     client_.write("{\"type\":\"ping\",\"from\":\"A\",\"id\":\"2\"}\n");
     const std::string heard = hears(R"("ref":"2")");
@@ -161,7 +156,8 @@ TEST_F(DemoHubTest, closes_after_each_line_until_it_keeps_open) {
     hub_.obey({.kind = Kind::closeAfter});
     client_.write(kAnnounce);
     client_.write(kAnnounce);
-    ASSERT_TRUE(meanwhile([&] { return client_.state() == QLocalSocket::UnconnectedState; }));
+    ASSERT_TRUE(
+        eventuallyServingEvents([&] { return client_.state() == QLocalSocket::UnconnectedState; }));
     EXPECT_THAT(client_.readAll().toStdString(), HasSubstr("session-1"));
     hub_.obey({.kind = Kind::keepOpen});
     ASSERT_TRUE(connectTo(client_));

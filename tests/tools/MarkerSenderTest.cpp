@@ -2,16 +2,15 @@
 
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
 #include <QTcpServer>
 
-#include "links/Eventually.h"
+#include "support/Eventually.h"
 #include "support/ManualClock.h"
 
 namespace sonavault::automation {
 namespace {
 
-using sonavault::testing::eventually;
+using sonavault::testing::eventuallyServingEvents;
 using sonavault::testing::ManualClock;
 
 const WallTime kNoon = WallTime(std::chrono::hours(20'000 * 24 + 12));
@@ -51,8 +50,7 @@ class MarkerSenderTest : public ::testing::Test {
 
     template <class Condition>
     bool meanwhile(Condition condition) {
-        return eventually([&] {
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
+        return eventuallyServingEvents([&] {
             for (std::size_t i = 0; i < sockets_.size(); ++i)
                 if (sockets_[i]->isOpen()) received_[i] += sockets_[i]->readAll().toStdString();
             return condition();

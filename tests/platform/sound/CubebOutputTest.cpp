@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "platform/CubebOutputStream.h"
+#include "support/Eventually.h"
 #include "support/PrivateSoundServer.h"
 
 namespace sonavault::testing {
@@ -25,7 +26,6 @@ using Clock = std::chrono::steady_clock;
 constexpr double kRate = 48000;
 constexpr auto kAboutASecond = 1500ms;
 constexpr auto kAtOnce = 100ms;
-constexpr auto kSurelyWithin = 15s;
 
 /// Makes a sound as fast as it is heard, on a thread of its own: a sine of 0.5 on the left and of
 /// half as much on the right.
@@ -60,16 +60,6 @@ class ToneMaker {
 
 float decibels(double amplitude) {
     return static_cast<float>(20 * std::log10(amplitude / std::sqrt(2)));
-}
-
-bool eventually(const std::function<bool()>& condition,
-                std::chrono::milliseconds patience = kSurelyWithin) {
-    const auto giveUp = Clock::now() + patience;
-    while (!condition()) {
-        if (Clock::now() > giveUp) return false;
-        std::this_thread::sleep_for(2ms);
-    }
-    return true;
 }
 
 std::vector<float> sideOf(const std::vector<float>& samples, std::size_t side) {
@@ -120,6 +110,16 @@ class CubebOutputTest : public ::testing::Test {
         return {sideOf(samples, 0), sideOf(samples, 1)};
     }
 
+    /// The same, or one of the seconds that follow, in which the tone has no hole: a busy machine
+    /// may come late with some of it.
+    std::vector<std::vector<float>> nextSecondOf(double hertz) {
+        constexpr int kMostSeconds = 20;
+        auto sides = nextLoudSecond();
+        for (int i = 1; i < kMostSeconds && std::abs(frequency(sides[0]) - hertz) > 2; ++i)
+            sides = nextLoudSecond();
+        return sides;
+    }
+
     void playOnARunningServer() {
         server_.start();
         ASSERT_TRUE(output_->start());
@@ -128,7 +128,7 @@ class CubebOutputTest : public ::testing::Test {
     }
 
     /// Whether more sound is sent out from now on.
-    bool flows(std::chrono::milliseconds patience = kSurelyWithin) {
+    bool flows(std::chrono::milliseconds patience = kEventually) {
         const auto before = tone_.sound()->taken();
         return eventually([&] { return tone_.sound()->taken() > before + 4800; }, patience);
     }
@@ -171,7 +171,7 @@ TEST_F(CubebOutputTest, is_heard_at_its_frequency_and_level_on_both_sides) {
     listen();
     ASSERT_TRUE(output_->start());
     output_->play(tone_.sound());
-    const auto sides = nextLoudSecond();
+    const auto sides = nextSecondOf(1000);
     EXPECT_NEAR(frequency(sides[0]), 1000, 2);
     EXPECT_NEAR(loudest(sides[0]), 0.5, 0.001);
     EXPECT_NEAR(loudest(sides[1]), 0.25, 0.001);
@@ -186,7 +186,7 @@ TEST_F(CubebOutputTest, keeps_the_pitch_of_a_sound_of_another_rate) {
     const ToneMaker slow(1000, 16000);
     output_->play(slow.sound());
     ASSERT_TRUE(eventually([&] { return slow.sound()->taken() > 16000; }));
-    EXPECT_NEAR(frequency(nextLoudSecond()[0]), 1000, 2);
+    EXPECT_NEAR(frequency(nextSecondOf(1000)[0]), 1000, 2);
 }
 
 TEST_F(CubebOutputTest, tells_silence_once_it_is_stopped) {
@@ -290,7 +290,7 @@ TEST_F(CubebOutputTest, follows_a_change_of_the_default_device) {
     server_.addSink("spare", 48000, 2);
     listen("spare");
     server_.control({"set-default-sink", "spare"});
-    EXPECT_NEAR(frequency(nextLoudSecond()[0]), 1000, 2);
+    EXPECT_NEAR(frequency(nextSecondOf(1000)[0]), 1000, 2);
 }
 
 TEST_F(CubebOutputTest, comes_back_when_the_device_is_plugged_in_again) {
