@@ -6,10 +6,11 @@
 
 #include <chrono>
 #include <cmath>
-#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <vector>
 
+#include "FullDay.h"
 #include "Measuring.h"
 #include "platform/Resampler.h"
 #include "recorder/AudioPipeline.h"
@@ -86,7 +87,8 @@ void wholeRoadOfABuffer(benchmark::State& state) {
     const auto samples = noisyTone();
     const float* plane = samples.data();
     const AudioBufferView buffer{kStereo, kBufferFrames, &plane};
-    const auto file = std::filesystem::temp_directory_path() / "sonavault-bench-recording.mp3";
+    const OwnFolder folder;
+    const auto file = folder / "recording.mp3";
     double libraries = 0;
     double pipeline = 0;
     while (state.KeepRunning()) {
@@ -96,7 +98,6 @@ void wholeRoadOfABuffer(benchmark::State& state) {
         pipeline += road;
         state.SetIterationTime(road);
     }
-    std::filesystem::remove(file);
     state.counters["of_resampler_and_encoder"] = pipeline / libraries;
     state.counters["percent_of_a_core"] =
         100 * pipeline / static_cast<double>(state.iterations()) /
@@ -104,27 +105,11 @@ void wholeRoadOfABuffer(benchmark::State& state) {
 }
 BENCHMARK(wholeRoadOfABuffer)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(5);
 
-/// A 24 h day at 24 kbps: 2,400,000 frames of 108 bytes at 16,000 Hz.
-void makeFullDay(const std::filesystem::path& file) {
-    std::vector<unsigned char> second(static_cast<std::size_t>(108) * 25, 0x55);
-    for (std::size_t at = 0; at < second.size(); at += 108) {
-        second[at] = 0xFF;
-        second[at + 1] = 0xF3;
-        second[at + 2] = 0x38;
-        second[at + 3] = 0xC4;
-    }
-    std::FILE* out = std::fopen(file.c_str(), "wb");
-    for (int i = 0; i < 96'000; ++i) std::fwrite(second.data(), 1, second.size(), out);
-    std::fclose(out);
-}
-
 void existingFramesOfAFullDay(benchmark::State& state) {
-    const auto file = std::filesystem::temp_directory_path() / "sonavault-bench-day.mp3";
-    makeFullDay(file);
+    const FullDay day;
     FrameCount frames = 0;
-    while (state.KeepRunning()) frames = existingFramesAt(file, 22050);
+    while (state.KeepRunning()) frames = existingFramesAt(day.file(), 22050);
     if (frames != 86400LL * 22050) state.SkipWithError("the day's length is wrong");
-    std::filesystem::remove(file);
 }
 BENCHMARK(existingFramesOfAFullDay)->Unit(benchmark::kMillisecond);
 

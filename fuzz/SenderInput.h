@@ -2,16 +2,10 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 
 #include "links/WireBytes.h"
 
 namespace sonavault::testing {
-
-/// Ends the process, which is how a fuzzer learns of a fault.
-inline void require(bool condition) {
-    if (!condition) std::abort();
-}
 
 /// What a fuzzer's bytes mean for a parser of a sender's stream: the first says how many bytes of
 /// split sizes follow, and the rest is what is sent.

@@ -1,14 +1,12 @@
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
+#include "Check.h"
 #include "export/ScheduledAircheckCard.h"
 
 namespace {
 
-void check(bool condition) {
-    if (!condition) std::abort();
-}
+using sonavault::testing::check;
 
 }  // namespace
 

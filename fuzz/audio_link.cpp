@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "Check.h"
 #include "SenderInput.h"
 #include "links/AudioStream.h"
 #include "links/HeardStream.h"
@@ -28,8 +29,8 @@ void takeAll(AudioStream& stream, Heard& heard) {
         if (const auto* refused = std::get_if<AudioStream::Refused>(&step))
             heard.refused.emplace_back(refused->bytes.begin(), refused->bytes.end());
         if (const auto* buffer = std::get_if<AudioBufferView>(&step)) {
-            require(heard.agreed.size() == 1 && buffer->frames > 0);
-            require(buffer->format == heard.agreed[0].format);
+            check(heard.agreed.size() == 1 && buffer->frames > 0);
+            check(buffer->format == heard.agreed[0].format);
             const auto words = static_cast<std::size_t>(buffer->frames * buffer->format.channels);
             for (std::size_t i = 0; i < words; ++i)
                 heard.words.push_back(std::bit_cast<std::uint32_t>(buffer->planes[0][i]));
@@ -41,7 +42,7 @@ void takeAll(AudioStream& stream, Heard& heard) {
 Heard hear(const Bytes& bytes, const Bytes& splits) {
     return hearPieces<AudioStream, Heard>(splitInto(bytes, splits), [](auto& stream, Heard& heard) {
         takeAll(stream, heard);
-        require(stream.pendingByteCount() < 32);
+        check(stream.pendingByteCount() < 32);
     });
 }
 
@@ -82,10 +83,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Heard meant = expected(bytes);
     const Bytes twelve(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(
                                                           std::min<std::size_t>(12, bytes.size())));
-    require(sonavault::parseHandshake(twelve).has_value() == !meant.agreed.empty());
-    require(hear(bytes, input.splits) == meant);
-    require(hear(bytes, {0}) == meant);
+    check(sonavault::parseHandshake(twelve).has_value() == !meant.agreed.empty());
+    check(hear(bytes, input.splits) == meant);
+    check(hear(bytes, {0}) == meant);
     // In one piece the stream may hold everything until it is taken, but no more afterwards.
-    require(hear(bytes, {}) == meant);
+    check(hear(bytes, {}) == meant);
     return 0;
 }

@@ -1,16 +1,14 @@
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
+#include "Check.h"
 #include "export/LiteralFrameWalk.h"
 #include "export/Mp3FrameWalk.h"
 
 namespace {
 
-void check(bool condition) {
-    if (!condition) std::abort();
-}
+using sonavault::testing::check;
 
 /// The first bytes say which ranges, in units of 4 ms from 0.2 s before the file on.
 constexpr std::size_t kRanges = 3;

@@ -1,11 +1,11 @@
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <variant>
 #include <vector>
 
+#include "Check.h"
 #include "hub/DecodedSize.h"
 #include "hub/Envelope.h"
 #include "hub/LineSplitter.h"
@@ -19,9 +19,7 @@ using Lines = std::vector<std::string>;
 
 constexpr std::size_t kMostBytesOfALine = 4096;
 
-void require(bool condition) {
-    if (!condition) std::abort();
-}
+using sonavault::testing::check;
 
 /// The lines of `bytes` when they come in pieces whose sizes `splits` gives, over and over; in one
 /// piece without any.
@@ -36,7 +34,7 @@ Lines split(std::string_view bytes, std::string_view splits) {
         }
         splitter.append(bytes.substr(at, size));
         while (const auto line = splitter.next()) lines.emplace_back(*line);
-        require(splitter.pendingByteCount() <= kMostBytesOfALine);
+        check(splitter.pendingByteCount() <= kMostBytesOfALine);
         at += size;
     }
     return lines;
@@ -60,31 +58,31 @@ void checkReply(const sonavault::SwitchboardMessage& reply) {
     const bool hasError = reply.payload["error"].isString();
     const bool isRefusal = hasError && reply.from == sonavault::kHubName;
     const auto query = sonavault::queryResult(reply);
-    require(static_cast<bool>(query) != isRefusal);
+    check(static_cast<bool>(query) != isRefusal);
     if (isRefusal)
-        require((query.error().code == Code::timeout) == (query.error().hubErrorCode == "timeout"));
+        check((query.error().code == Code::timeout) == (query.error().hubErrorCode == "timeout"));
     else
-        require(query.value() == reply);
-    require(static_cast<bool>(sonavault::pingResult(reply)) != isRefusal);
+        check(query.value() == reply);
+    check(static_cast<bool>(sonavault::pingResult(reply)) != isRefusal);
     const auto value = sonavault::stateGetResult(reply);
     const auto* error = std::get_if<sonavault::SwitchboardError>(&value.outcome);
-    require((error != nullptr) == (hasError || !reply.payload["exists"].isBool()));
-    if (error) require((error->code == Code::hubError) == hasError);
+    check((error != nullptr) == (hasError || !reply.payload["exists"].isBool()));
+    if (error) check((error->code == Code::hubError) == hasError);
 }
 
 /// What was understood can be said again, and means the same.
 void checkDecode(const std::string& line) {
     const auto envelope = Envelope::decode(line);
     if (!envelope) {
-        require(envelope.error().code == sonavault::SwitchboardError::Code::malformedReply);
-        return require(!envelope.error().message.empty());
+        check(envelope.error().code == sonavault::SwitchboardError::Code::malformedReply);
+        return check(!envelope.error().message.empty());
     }
     const auto said = envelope.value().encode();
-    require(static_cast<bool>(said));
-    require(said.value().find('\n') == std::string::npos);
+    check(static_cast<bool>(said));
+    check(said.value().find('\n') == std::string::npos);
     const auto again = Envelope::decode(said.value());
-    require(static_cast<bool>(again));
-    require(again.value().encode().value() == said.value());
+    check(static_cast<bool>(again));
+    check(again.value().encode().value() == said.value());
     checkReply(sonavault::SwitchboardMessage::of(Envelope(envelope.value())));
 }
 
@@ -98,11 +96,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto splits = input.substr(1, splitCount);
     const auto bytes = input.substr(1 + splitCount);
     const Lines lines = expected(bytes);
-    require(split(bytes, splits) == lines);
-    require(split(bytes, std::string_view("\0", 1)) == lines);
-    require(split(bytes, {}) == lines);
+    check(split(bytes, splits) == lines);
+    check(split(bytes, std::string_view("\0", 1)) == lines);
+    check(split(bytes, {}) == lines);
     for (const auto& line : lines) {
-        require(sonavault::isWorthDecoding(line, sonavault::decodedSize(line)));
+        check(sonavault::isWorthDecoding(line, sonavault::decodedSize(line)));
         checkDecode(line);
     }
     return 0;

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "Check.h"
 #include "SenderInput.h"
 #include "links/HeardStream.h"
 #include "links/MarkerStream.h"
@@ -24,9 +25,9 @@ void takeAll(MarkerStream& stream, Heard& heard) {
     for (;;) {
         const auto step = stream.take();
         if (std::holds_alternative<MarkerStream::NeedsMore>(step)) return;
-        require(heard.refusedPrefix.empty());
+        check(heard.refusedPrefix.empty());
         if (const auto* settled = std::get_if<MarkerStream::Settled>(&step)) {
-            require(heard.order == LengthEndian::unknown && heard.payloads.empty());
+            check(heard.order == LengthEndian::unknown && heard.payloads.empty());
             heard.order = settled->order;
         }
         if (const auto* prefix = std::get_if<MarkerStream::Unparseable>(&step))
@@ -43,7 +44,7 @@ Heard hear(const Bytes& bytes, const Bytes& splits) {
     return hearPieces<MarkerStream, Heard>(
         splitInto(bytes, splits), [](auto& stream, Heard& heard) {
             takeAll(stream, heard);
-            require(stream.pendingByteCount() < 4 + kMaxPayloadBytes);
+            check(stream.pendingByteCount() < 4 + kMaxPayloadBytes);
         });
 }
 
@@ -78,7 +79,7 @@ Heard expected(const Bytes& bytes) {
 
 void decode(const Bytes& payload) {
     const auto marker = decodeMarkerWire(payload);
-    require(marker || !marker.error().empty());
+    check(marker || !marker.error().empty());
 }
 
 }  // namespace
@@ -91,9 +92,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const SenderInput input(data, size);
     const Bytes& bytes = input.bytes;
     const Heard meant = expected(bytes);
-    require(hear(bytes, input.splits) == meant);
-    require(hear(bytes, {0}) == meant);
-    require(hear(bytes, {}) == meant);
+    check(hear(bytes, input.splits) == meant);
+    check(hear(bytes, {0}) == meant);
+    check(hear(bytes, {}) == meant);
     for (const Bytes& payload : meant.payloads) decode(payload);
     decode(bytes);
     return 0;

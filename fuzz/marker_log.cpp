@@ -1,8 +1,8 @@
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
+#include "Check.h"
 #include "store/MarkerLogReader.h"
 #include "store/MarkerLogWriter.h"
 
@@ -10,9 +10,7 @@ namespace {
 
 using namespace sonavault;
 
-void check(bool condition) {
-    if (!condition) std::abort();
-}
+using sonavault::testing::check;
 
 std::size_t feedsIn(std::string_view text) {
     std::size_t feeds = 0;

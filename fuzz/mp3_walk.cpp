@@ -1,14 +1,12 @@
 #include <cstdint>
-#include <cstdlib>
 #include <span>
 
+#include "Check.h"
 #include "platform/AudioFileInfo.h"
 
 namespace {
 
-void check(bool condition) {
-    if (!condition) std::abort();
-}
+using sonavault::testing::check;
 
 }  // namespace
 

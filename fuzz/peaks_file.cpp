@@ -1,15 +1,13 @@
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
+#include "Check.h"
 #include "store/PeaksFile.h"
 
 namespace {
 
-void check(bool condition) {
-    if (!condition) std::abort();
-}
+using sonavault::testing::check;
 
 }  // namespace
 

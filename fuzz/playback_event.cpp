@@ -1,9 +1,9 @@
 #include <QJsonDocument>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
+#include "Check.h"
 #include "shell/ForeignText.h"
 #include "shell/PlaybackEvent.h"
 
@@ -11,36 +11,34 @@ namespace {
 
 using sonavault::PlaybackEvent;
 
-void require(bool condition) {
-    if (!condition) std::abort();
-}
+using sonavault::testing::check;
 
 bool isUtf8(const std::string& text) {
     return QString::fromStdString(text).toStdString() == text;
 }
 
 void checkLine(const std::string& line) {
-    require(sonavault::printable(line).find_first_of("\n\r\x1b") == std::string::npos);
+    check(sonavault::printable(line).find_first_of("\n\r\x1b") == std::string::npos);
 }
 
 void checkClockTime(const std::string& text) {
     const auto time = sonavault::hmsClockTimeFromIso(text);
     if (!time) return;
-    require(time->size() == 8 && (*time)[2] == ':' && (*time)[5] == ':');
-    require(*time < "24:00:00" && time->substr(3, 2) < "60" && time->substr(6) < "60");
+    check(time->size() == 8 && (*time)[2] == ':' && (*time)[5] == ':');
+    check(*time < "24:00:00" && time->substr(3, 2) < "60" && time->substr(6) < "60");
 }
 
 void checkEvent(const QJsonObject& payload) {
     const auto event = PlaybackEvent::from(payload);
     if (!event) {
-        require(!payload["playbackState"].isString() && !payload["state"].isString());
+        check(!payload["playbackState"].isString() && !payload["state"].isString());
         const std::string line = sonavault::missingStateLine(payload);
-        require(line.find_first_of("\n\r\x1b") == std::string::npos);
-        return require(line.size() < 2 * sonavault::kMostBytesOfForeignText + 200);
+        check(line.find_first_of("\n\r\x1b") == std::string::npos);
+        return check(line.size() < 2 * sonavault::kMostBytesOfForeignText + 200);
     }
-    require(!event->markerType.empty() && event->markerLabel.rfind("Cadenzo ", 0) == 0);
-    require(event->markerLabel.size() <= sonavault::kMostBytesOfForeignText);
-    require(isUtf8(event->markerLabel));
+    check(!event->markerType.empty() && event->markerLabel.rfind("Cadenzo ", 0) == 0);
+    check(event->markerLabel.size() <= sonavault::kMostBytesOfForeignText);
+    check(isUtf8(event->markerLabel));
     checkLine(event->state);
     checkLine(event->cause);
     if (event->at) checkClockTime(*event->at);

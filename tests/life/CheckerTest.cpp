@@ -3,9 +3,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <set>
+#include <string>
+
 #include "automation/ClockChords.h"
 #include "life/DayCheck.h"
+#include "store/RecordingManifest.h"
+#include "support/ScopedTimeZone.h"
 #include "support/SyntheticMp3.h"
+#include "support/TempFolder.h"
 #include "system/SentMarkers.h"
 
 namespace sonavault::testing {
@@ -209,6 +216,64 @@ TEST(LifeChecker, finds_a_frame_of_another_kind) {
     other.sampleRate = 22050;
     EXPECT_THAT(complaintsAboutStream(SyntheticMp3().frames(9).frames(9, other).bytes(), 9),
                 SizeIs(1));
+}
+
+/// A manifest of a day in UTC whose frame 0 is at 00:59:30.400.
+std::string manifestOf(const std::string& startedAt, double startOffsetSec) {
+    RecordingManifest manifest;
+    manifest.startedAtIso8601 = startedAt;
+    manifest.startOffsetSec = startOffsetSec;
+    return encodeManifest(manifest);
+}
+
+TEST(LifeChecker, finds_a_manifest_that_tells_another_moment_than_it_should) {
+    const ScopedTimeZone zone("UTC");
+    const TempFolder folder;
+    const auto file = folder / "Sonavault_2026-03-29.json";
+    const auto complaints = [&file](const std::string& manifest) {
+        writeFile(file, manifest);
+        return complaintsAboutManifest(file, "2026-03-29");
+    };
+    const std::string moment = "2026-03-29T00:59:30.400Z";
+    EXPECT_THAT(complaints(manifestOf(moment, 3570.4)), IsEmpty());
+    EXPECT_THAT(complaints(manifestOf(moment, 3570.39)), Contains(HasSubstr("-10 ms off")));
+    EXPECT_THAT(complaints(manifestOf(moment, 3570.41)), Contains(HasSubstr("10 ms off")));
+    EXPECT_THAT(complaints(manifestOf("2026-03-28T00:59:30.400Z", 3570.4)),
+                Contains(HasSubstr("another day")));
+    EXPECT_THAT(complaints(manifestOf("2026-03-29T00:59:30", 3570.4)), SizeIs(1));
+    EXPECT_THAT(complaints("{}"), SizeIs(1));
+    std::filesystem::remove(file);
+    EXPECT_THAT(complaintsAboutManifest(file, "2026-03-29"), SizeIs(1));
+}
+
+TEST(LifeChecker, finds_what_is_no_file_of_a_day) {
+    const TempFolder folder;
+    const std::set<std::string> dates{"2026-03-28", "2026-03-29"};
+    for (const char* name : {"Sonavault_2026-03-28.mp3", "Sonavault_2026-03-28.json",
+                             "Sonavault_2026-03-29.csv", "Sonavault_2026-03-29.peaks"})
+        writeFile(folder / name, "x");
+    EXPECT_THAT(complaintsAboutFolder(folder.path(), dates), IsEmpty());
+    for (const char* name :
+         {"x", "Sonavault_2026-03-30.mp3", "Sonavault_2026-03-29.mp3.new",
+          "Sonavault_2026-03-29.m4a", "sonavault_2026-03-29.mp3", ".Sonavault_2026-03-29.json"}) {
+        writeFile(folder / name, "x");
+        EXPECT_THAT(complaintsAboutFolder(folder.path(), dates),
+                    ::testing::ElementsAre(std::string(name) + " is nothing that a day has"));
+        std::filesystem::remove(folder / name);
+    }
+    std::filesystem::create_directory(folder / "Sonavault_2026-03-29.mp3");
+    EXPECT_THAT(complaintsAboutFolder(folder.path(), dates), SizeIs(1));
+}
+
+TEST(LifeChecker, finds_a_run_that_has_grown) {
+    const ProgramRun kept{60, 50'000, 50'000 + kMostGrowthKilobytes, 20, 20 + kMostMoreDescriptors};
+    EXPECT_THAT(complaintsAboutUse({kept, kept}), IsEmpty());
+    ProgramRun fatter = kept;
+    ++fatter.lastKilobytes;
+    EXPECT_THAT(complaintsAboutUse({kept, fatter}), Contains(HasSubstr(" KB more after 60")));
+    ProgramRun holdsMore = kept;
+    ++holdsMore.lastDescriptors;
+    EXPECT_THAT(complaintsAboutUse({holdsMore, kept}), Contains(HasSubstr("4 descriptors more")));
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "platform/LocalTime.h"
 #include "platform/Mp3Header.h"
 #include "store/MarkerLogReader.h"
+#include "store/RecordingManifest.h"
 #include "system/SentMarkers.h"
 
 namespace sonavault::testing {
@@ -252,6 +253,49 @@ std::vector<std::string> complaintsAboutStream(const std::string& bytes, int mos
         at = *next;
     }
     return {};
+}
+
+std::vector<std::string> complaintsAboutManifest(const std::filesystem::path& manifest,
+                                                 const std::string& date) {
+    constexpr double kMostOff = 0.002;  // the two are told in milliseconds
+    const auto told = readManifest(manifest);
+    const auto startedAt = readManifestStartedAt(manifest);
+    if (!told || !startedAt) return {"the manifest is missing, or does not tell when frame 0 was"};
+    std::vector<std::string> complaints;
+    if (isoDateString(*startedAt) != date)
+        complaints.push_back("frame 0 is of another day: " + *told->startedAtIso8601);
+    const double off = told->startOffsetSec - clockSecondsSinceMidnight(*startedAt);
+    if (!(std::abs(off) <= kMostOff))
+        complaints.push_back("start_offset_sec is " + milliseconds(off) + " off its moment");
+    return complaints;
+}
+
+std::vector<std::string> complaintsAboutFolder(const std::filesystem::path& folder,
+                                               const std::set<std::string>& dates) {
+    std::set<std::string> known;
+    for (const auto& date : dates)
+        for (const char* suffix : {".mp3", ".json", ".csv", ".peaks"})
+            known.insert("Sonavault_" + date + suffix);
+    std::vector<std::string> complaints;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        if (const auto name = entry.path().filename().string();
+            !known.contains(name) || !entry.is_regular_file())
+            complaints.push_back(name + " is nothing that a day has");
+    return complaints;
+}
+
+std::vector<std::string> complaintsAboutUse(const std::vector<ProgramRun>& runs) {
+    std::vector<std::string> complaints;
+    for (const auto& run : runs) {
+        const long grown = run.lastKilobytes - run.firstKilobytes;
+        const int opened = run.lastDescriptors - run.firstDescriptors;
+        const std::string after = " more after " + std::to_string(run.seconds) + " s";
+        if (grown > kMostGrowthKilobytes)
+            complaints.push_back(std::to_string(grown) + " KB" + after);
+        if (opened > kMostMoreDescriptors)
+            complaints.push_back(std::to_string(opened) + " descriptors" + after);
+    }
+    return complaints;
 }
 
 }  // namespace sonavault::testing

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <filesystem>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -39,6 +41,24 @@ struct OwedRow {
     std::string otherDay;    ///< a date whose log may have it instead, near midnight
 };
 
+/// How one run of the program used the machine, from the first look to the last.
+struct ProgramRun {
+    double seconds = 0;
+    long firstKilobytes = 0;
+    long lastKilobytes = 0;
+    int firstDescriptors = 0;
+    int lastDescriptors = 0;
+};
+
+/// What a run may take on: enough for what a program needs in its first minute, and far less than a
+/// leak of a buffer or a row would come to. What a sanitizer keeps of its own comes on top.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr long kMostGrowthKilobytes = 160 * 1024;
+#else
+inline constexpr long kMostGrowthKilobytes = 16 * 1024;
+#endif
+inline constexpr int kMostMoreDescriptors = 3;
+
 // Each gives what is wrong, in words, with the moments at which it is; empty when all is well.
 
 /// Each second of each stretch stands in the file within a frame and kToleranceSec of its moment,
@@ -55,6 +75,18 @@ std::vector<std::string> complaintsAboutLog(const std::string& log,
 /// seams at which a frame is torn: a program that was killed, or a disk that was full, may have
 /// left one.
 std::vector<std::string> complaintsAboutStream(const std::string& bytes, int mostSeams);
+
+/// The manifest of a day tells the moment of frame 0 with its milliseconds, in that day by the
+/// local clock, and where that lies in the day.
+std::vector<std::string> complaintsAboutManifest(const std::filesystem::path& manifest,
+                                                 const std::string& date);
+
+/// The folder holds the files of these dates and nothing else.
+std::vector<std::string> complaintsAboutFolder(const std::filesystem::path& folder,
+                                               const std::set<std::string>& dates);
+
+/// No run has grown by more than it may.
+std::vector<std::string> complaintsAboutUse(const std::vector<ProgramRun>& runs);
 
 /// The worst of what complaintsAboutAir() allows: how far from its moment a second stands.
 /// Units: seconds; positive when it is late

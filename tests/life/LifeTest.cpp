@@ -19,16 +19,6 @@ namespace {
 
 using Faults = std::vector<LifeFault>;
 
-// Enough for what a program takes on in its first minute, and far less than a leak of a buffer or a
-// row would come to.
-// What a sanitizer keeps of its own comes on top.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr long kMostGrowthKilobytes = 160 * 1024;
-#else
-constexpr long kMostGrowthKilobytes = 16 * 1024;
-#endif
-constexpr int kMostMoreDescriptors = 3;
-
 // More than this of a life can't be left untold, or it proves nothing.
 constexpr double kMostExcused = 0.1;
 
@@ -125,18 +115,19 @@ class StationLife : public ::testing::Test {
         }
     }
 
-    void report(const std::string& file, const std::vector<std::string>& complaints) {
+    /// `about`: a day's file, whose date is looked for in the journal, or what else is meant.
+    void report(const std::string& about, const std::vector<std::string>& complaints) {
         std::string all;
         for (std::size_t i = 0; i < complaints.size() && i < 20; ++i) all += complaints[i] + "\n";
         if (!complaints.empty())
-            ADD_FAILURE() << file << ": " << complaints.size() << " complaints\n"
+            ADD_FAILURE() << about << ": " << complaints.size() << " complaints\n"
                           << all << "the journal of that day:\n"
-                          << journalOf(file) << "what the recorder said: " << station_->logFile();
+                          << journalOf(about) << "what the recorder said: " << station_->logFile();
     }
 
     std::string journalOf(const std::string& file) {
         const auto& days = station_->air().days();
-        const auto day = days.find(file.substr(10, 10));
+        const auto day = days.find(file.substr(std::min<std::size_t>(10, file.size()), 10));
         if (day == days.end() || day->second.empty()) return station_->journal().last(30);
         return station_->journal().around(day->second.front().from, day->second.back().to);
     }
@@ -149,10 +140,8 @@ class StationLife : public ::testing::Test {
         const auto startedAt = readManifestStartedAt(base.string() + ".json");
         const auto header =
             parseMp3Header({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+        report(name, complaintsAboutManifest(base.string() + ".json", date));
         ASSERT_TRUE(startedAt && header) << date;
-        const auto manifest = readManifest(base.string() + ".json");
-        EXPECT_EQ(isoDateString(*startedAt), date);
-        EXPECT_NEAR(manifest->startOffsetSec, clockSecondsSinceMidnight(*startedAt), 0.002);
         const auto evidence = evidenceOf(listenTo(base.string() + ".mp3"),
                                          secondsSince1970(*startedAt), header->durationSec());
         report(name, complaintsAboutAir(evidence, stretches));
@@ -190,22 +179,16 @@ class StationLife : public ::testing::Test {
     }
 
     void checkFolder() {
-        for (const auto& entry : std::filesystem::directory_iterator(station_->folder())) {
-            const auto name = entry.path().filename().string();
-            const auto suffix = entry.path().extension().string();
-            EXPECT_TRUE(station_->air().days().contains(name.substr(10, 10)) &&
-                        std::set<std::string>({".mp3", ".json", ".csv", ".peaks"}).contains(suffix))
-                << name << " is nothing that a day has";
-        }
+        std::set<std::string> dates;
+        for (const auto& [date, stretches] : station_->air().days()) dates.insert(date);
+        report("the folder", complaintsAboutFolder(station_->folder(), dates));
     }
 
     void checkUse() {
+        report("the program", complaintsAboutUse(station_->runs()));
         long growth = 0;
         double longest = 0;
         for (const auto& run : station_->runs()) {
-            EXPECT_LE(run.lastDescriptors, run.firstDescriptors + kMostMoreDescriptors);
-            EXPECT_LE(run.lastKilobytes, run.firstKilobytes + kMostGrowthKilobytes)
-                << "in " << run.seconds << " s";
             growth = std::max(growth, run.lastKilobytes - run.firstKilobytes);
             longest = std::max(longest, run.seconds);
         }

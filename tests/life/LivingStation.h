@@ -93,15 +93,8 @@ class LivingStation {
     std::filesystem::path folder() const { return station_.audioFolder(); }
     std::string dateOf(double moment) const;
 
-    /// How one run of the program used the machine.
-    struct Run {
-        double seconds = 0;  ///< from the first look to the last
-        long firstKilobytes = 0;
-        long lastKilobytes = 0;
-        int firstDescriptors = 0;
-        int lastDescriptors = 0;
-    };
-    const std::vector<Run>& runs() const { return runs_; }
+    /// How each run of the program used the machine.
+    const std::vector<ProgramRun>& runs() const { return runs_; }
     /// Writes down what the running program uses.
     void look();
 
@@ -136,7 +129,7 @@ class LivingStation {
     std::map<std::string, std::deque<OwedRow>> rows_;
     std::vector<std::pair<double, OwedRow*>> onTheirWay_;
     std::map<std::string, int> seams_;
-    std::vector<Run> runs_;
+    std::vector<ProgramRun> runs_;
     bool isNewRun_ = true;
     std::unique_ptr<ChildProcess> hub_;
     std::unique_ptr<ChildProcess> automation_;
