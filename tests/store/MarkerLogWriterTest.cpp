@@ -1,6 +1,7 @@
 #include "store/MarkerLogWriter.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "support/FileSizeLimit.h"
 #include "support/TempFolder.h"
@@ -54,6 +55,25 @@ TEST_F(MarkerLogOnDisk, keeps_what_it_holds_when_it_exists) {
     writeFile(log_, "anything");
     writeCSVHeaderIfNeeded(log_, flusher_);
     EXPECT_EQ(readFile(log_), "anything");
+}
+
+TEST_F(MarkerLogOnDisk, gets_its_header_when_a_power_cut_left_a_name_without_a_byte) {
+    writeFile(log_, "");
+    writeCSVHeaderIfNeeded(log_, flusher_);
+    EXPECT_EQ(readFile(log_), kMarkerLogHeader);
+}
+
+TEST_F(MarkerLogOnDisk, takes_the_place_of_nothing_but_a_plain_file) {
+    const auto elsewhere = folder_ / "elsewhere.csv";
+    writeFile(elsewhere, "");
+    std::filesystem::create_symlink(elsewhere, log_);
+    writeCSVHeaderIfNeeded(log_, flusher_);
+    EXPECT_TRUE(std::filesystem::is_symlink(log_));
+    std::filesystem::remove(log_);
+
+    ASSERT_EQ(::mkfifo(log_.c_str(), 0600), 0);
+    writeCSVHeaderIfNeeded(log_, flusher_);
+    EXPECT_TRUE(std::filesystem::is_fifo(log_));
 }
 
 TEST_F(MarkerLogOnDisk, grows_by_whole_rows) {
