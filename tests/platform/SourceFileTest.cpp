@@ -211,7 +211,7 @@ INSTANTIATE_TEST_SUITE_P(CopiedBy, ClosedFolder, ::testing::Values(CopyBy::syste
                              return each.param == CopyBy::system ? "the_system" : "the_process";
                          });
 
-INSTANTIATE_TEST_SUITE_P(CopiedBy, SourceFileTest, SourceFileTest,
+INSTANTIATE_TEST_SUITE_P(CopiedBy, SourceFileTest,
                          ::testing::Values(CopyBy::system, CopyBy::process), [](const auto& each) {
                              return each.param == CopyBy::system ? "the_system" : "the_process";
                          });
