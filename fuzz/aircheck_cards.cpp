@@ -21,7 +21,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const auto& card : *cards) {
         check(!card.isDue(lateOnSunday) || (card.isReady() && card.endHour < 23));
         const auto name = scheduledAircheckName(card, "2026-05-10");
-        check(name.find('/') == std::string::npos && name.ends_with(".mp3"));
+        check(name.find('/') == std::string::npos && name.find('\0') == std::string::npos);
+        check(name.ends_with(".mp3"));
     }
     return 0;
 }

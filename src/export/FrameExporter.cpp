@@ -5,8 +5,20 @@
 
 namespace sonavault {
 
-FrameExporter::FrameExporter(const ExportedDay& day, Executor& mainQueue)
-    : day_(day), mainQueue_(std::make_shared<ClosableExecutor>(mainQueue)) {}
+namespace {
+
+using Exported = Result<Done, ExportError>;
+
+Exported notWritten(const std::string& words) {
+    return Exported::failure(ExportError(ExportError::Kind::writeFailed, words));
+}
+
+}  // namespace
+
+FrameExporter::FrameExporter(const ExportedDay& day, Executor& mainQueue, Walk walk)
+    : day_(day),
+      walk_(std::move(walk)),
+      mainQueue_(std::make_shared<ClosableExecutor>(mainQueue)) {}
 
 FrameExporter::~FrameExporter() {
     mainQueue_->close();
@@ -42,10 +54,17 @@ std::unique_ptr<BackgroundJob> FrameExporter::begin(const Export& order,
                                                     const Finish& finish) const {
     auto source = sourceFor(ranges);
     auto work = [source = std::move(source), wanted = std::move(ranges), output = order.outputURL,
-                 progress = order.progress, finish,
+                 progress = order.progress, walk = walk_, finish,
                  mainQueue = mainQueue_](const std::stop_token& stop) {
-        const auto result = performFrameWalkExport(
-            source, wanted, output, stop, [&progress](double share) { *progress = share; });
+        const auto tell = [&progress](double share) { *progress = share; };
+        const auto result = [&] {
+            try {
+                return walk(source, wanted, output, stop, tell);
+            } catch (const std::exception& error) {
+                // Without memory for it, a cut fails like any other.
+                return notWritten(error.what());
+            }
+        }();
         mainQueue->post([finish, result] { finish(result); });
     };
     return std::make_unique<BackgroundJob>("export", std::move(work),
@@ -53,9 +72,7 @@ std::unique_ptr<BackgroundJob> FrameExporter::begin(const Export& order,
 }
 
 void FrameExporter::giveUp(const std::string& words, Finish finish) const {
-    const auto result =
-        Result<Done, ExportError>::failure(ExportError(ExportError::Kind::writeFailed, words));
-    mainQueue_->post([finish = std::move(finish), result] { finish(result); });
+    mainQueue_->post([finish = std::move(finish), result = notWritten(words)] { finish(result); });
 }
 
 std::vector<ExportProgress> FrameExporter::underWay() const {

@@ -28,10 +28,15 @@ struct ExportProgress {
 /// Thread: main.
 class FrameExporter {
   public:
+    /// How a job makes its cut, on the job's thread.
+    using Walk = std::function<Result<Done, ExportError>(
+        const ExportSource&, const std::optional<std::vector<Selection>>&,
+        const std::filesystem::path&, const std::stop_token&, const std::function<void(double)>&)>;
+
     using Completion = std::function<void(const Result<Done, ExportError>&)>;
 
     /// `mainQueue` brings the results to the main thread. Both outlive this object.
-    FrameExporter(const ExportedDay& day, Executor& mainQueue);
+    FrameExporter(const ExportedDay& day, Executor& mainQueue, Walk walk = performFrameWalkExport);
     ~FrameExporter();
     FrameExporter(const FrameExporter&) = delete;
     FrameExporter& operator=(const FrameExporter&) = delete;
@@ -60,6 +65,7 @@ class FrameExporter {
     void giveUp(const std::string& words, Finish finish) const;
 
     const ExportedDay& day_;
+    const Walk walk_;
     // Shared with the jobs, one of which may hang in a frozen disk and outlive all else.
     std::shared_ptr<ClosableExecutor> mainQueue_;
     std::list<Export> exports_;

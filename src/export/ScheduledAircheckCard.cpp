@@ -42,8 +42,12 @@ int dayOfWeek(const LocalTime& moment) {
 }
 
 std::string scheduledAircheckName(const ScheduledAircheckCard& card, const std::string& date) {
-    const auto safeLabel =
-        QString::fromStdString(card.label).replace('/', '_').trimmed().toStdString();
+    // No file's name can have either of these; the second would end it.
+    const auto safeLabel = QString::fromStdString(card.label)
+                               .replace('/', '_')
+                               .replace(QChar(QChar::Null), '_')
+                               .trimmed()
+                               .toStdString();
     return "Aircheck_" + safeLabel + "_" + aircheckTag(card.mode) + "_" + date + "_" +
            zeroPadded(card.startHour, 2) + "-" + zeroPadded(card.endHour, 2) + ".mp3";
 }

@@ -9,56 +9,17 @@
 #include <charconv>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
 #include <optional>
-#include <sstream>
-#include <string_view>
 #include <thread>
 #include <vector>
 
 #include "platform/AtomicFile.h"
+#include "platform/ProcessTable.h"
 
 namespace sonavault {
 namespace {
 
 namespace fs = std::filesystem;
-
-fs::path processFolder(int processId) {
-    return "/proc/" + std::to_string(processId);
-}
-
-std::string contentOf(const fs::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
-/// When a running process started, in the system's own count since its boot; nothing when it has
-/// ended, even if its parent has not yet taken note of that.
-std::optional<std::string> startOf(int processId) {
-    const std::string line = contentOf(processFolder(processId) / "stat");
-    // The second field is the program's name in parentheses, which may hold anything; the state is
-    // the third.
-    const auto nameEnd = line.rfind(')');
-    if (nameEnd == std::string::npos) return std::nullopt;
-    std::istringstream fields(line.substr(nameEnd + 1));
-    std::string state;
-    fields >> state;
-    if (state == "Z" || state == "X") return std::nullopt;
-    std::string start;
-    for (int field = 4; field <= 22; ++field) fields >> start;
-    if (!fields) return std::nullopt;
-    return start;
-}
-
-/// The name of the file that a process runs, also when that file has since been replaced by a newer
-/// one.
-std::string programOf(const fs::path& process) {
-    constexpr std::string_view kReplaced = " (deleted)";
-    std::error_code unreadable;
-    std::string program = fs::read_symlink(process / "exe", unreadable).filename().string();
-    if (program.ends_with(kReplaced)) program.resize(program.size() - kReplaced.size());
-    return program;
-}
 
 std::optional<int> processIdFrom(const std::string& name) {
     int processId = 0;
@@ -103,7 +64,7 @@ fs::path SingleInstance::defaultRegistry() {
 }
 
 std::string SingleInstance::ownProgram() {
-    return programOf("/proc/self");
+    return sonavault::ownProgram();
 }
 
 void SingleInstance::takeOver(std::chrono::microseconds patience) {
@@ -115,7 +76,7 @@ void SingleInstance::takeOver(std::chrono::microseconds patience) {
 }
 
 Outcome SingleInstance::enter(int processId) {
-    const auto start = startOf(processId);
+    const auto start = startOfProcess(processId);
     if (!start) return Outcome::failure("no such process");
     if (!prepareRegistry()) return Outcome::failure("no registry of running copies");
     return writeFileAtomically(registry_ / std::to_string(processId), *start + "\n");
@@ -157,7 +118,7 @@ void SingleInstance::end(int processId, const std::string& startedAt,
 }
 
 bool SingleInstance::isCopy(int processId, const std::string& startedAt) const {
-    return startOf(processId) == startedAt && programOf(processFolder(processId)) == program_;
+    return startOfProcess(processId) == startedAt && programOfProcess(processId) == program_;
 }
 
 }  // namespace sonavault

@@ -11,6 +11,7 @@
 
 #include "platform/AtomicFile.h"
 #include "platform/FileQueries.h"
+#include "platform/FileStamp.h"
 #include "platform/SystemError.h"
 
 namespace sonavault {
@@ -80,15 +81,6 @@ CopyError copyRange(int from, int to, ByteRange range, const std::stop_token& st
     return copyByProcess(from, to, range, stop);
 }
 
-/// 0 or the number of an error. A disk that knows no such request is as good as it gets.
-int flush(int descriptor) {
-    while (::fdatasync(descriptor) != 0) {
-        if (errno == EINVAL || errno == ENOTSUP) return 0;
-        if (errno != EINTR) return errno;
-    }
-    return 0;
-}
-
 /// The name of a file that was just put there comes back after a power cut only when its folder has
 /// been flushed too; where that fails there is nothing left to try.
 void flushFolder(const std::filesystem::path& folder) {
@@ -104,6 +96,34 @@ void takeOverMode(const std::filesystem::path& old, int descriptor) {
     struct stat status {};
     if (::stat(old.c_str(), &status) == 0 && S_ISREG(status.st_mode))
         ::fchmod(descriptor, status.st_mode & 07777);
+}
+
+bool isAllowed(const std::filesystem::path& path, int what) {
+    return ::faccessat(AT_FDCWD, path.c_str(), what, AT_EACCESS) == 0;
+}
+
+/// Whether the person may write that file, which is another than the one behind `source`, but put
+/// no new one into its folder.
+bool takesNoNewFile(const std::filesystem::path& file, int source) {
+    const auto there = fileStamp(file);
+    const auto opened = fileStamp(source);
+    if (!there || !opened || there->inode == opened->inode) return false;
+    const auto folder = file.has_parent_path() ? file.parent_path() : std::filesystem::path(".");
+    return isAllowed(file, W_OK) && !isAllowed(folder, W_OK) && errno != EROFS;
+}
+
+/// What was there is lost with the first byte. A failure leaves an empty file rather than a part.
+Outcome writeInPlace(const std::filesystem::path& file, const FillFile& fill) {
+    int descriptor = -1;
+    do descriptor = ::open(file.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW);
+    while (descriptor < 0 && errno == EINTR);
+    if (descriptor < 0) return Outcome::failure(systemWords(errno));
+    int error = fill(descriptor);
+    // Where emptying fails too there is nothing left to try.
+    [[maybe_unused]] const int emptied = error ? ::ftruncate(descriptor, 0) : 0;
+    if (::close(descriptor) != 0 && !error) error = errno;
+    if (error) return Outcome::failure(systemWords(error));
+    return Done{};
 }
 
 }  // namespace
@@ -146,14 +166,19 @@ Result<Done, CopyFailure> SourceFile::writeRanges(std::span<const ByteRange> ran
                                                   const std::stop_token& stop, CopyBy by) const {
     const auto target = behindLinks(file);
     CopyError error;
-    const auto written = writeFileAtomically(target, [&](int to) {
-        takeOverMode(target, to);
+    const auto fill = [&](int to) {
         for (const auto& range : ranges) {
             error = copyRange(descriptor_, to, range, stop, by);
             if (error.number != 0) return error.number;
         }
-        return flush(to);
-    });
+        return flushToDisk(to);
+    };
+    const auto written = takesNoNewFile(target, descriptor_)
+                             ? writeInPlace(target, fill)
+                             : writeFileAtomically(target, [&](int to) {
+                                   takeOverMode(target, to);
+                                   return fill(to);
+                               });
     if (!written) return Result<Done, CopyFailure>::failure({error.ofSource, written.error()});
     flushFolder(target.parent_path());
     return Done{};

@@ -56,9 +56,11 @@ class SourceFile {
     /// disk.
     ///
     /// A file that was there is replaced as if it were written anew: it keeps its mode, and a
-    /// symbolic link goes on leading to it.
+    /// symbolic link goes on leading to it. In a folder into which the person may put no new file
+    /// it is written in place.
     ///
-    /// Errors: also when `stop` was asked for; nothing is left behind then.
+    /// Errors: also when `stop` was asked for; nothing is left behind then, and what was there
+    /// stays as it was, but for a file that was to be written in place: that one is left empty.
     Result<Done, CopyFailure> writeRanges(std::span<const ByteRange> ranges,
                                           const std::filesystem::path& file,
                                           const std::stop_token& stop = {},

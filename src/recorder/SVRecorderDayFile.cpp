@@ -145,7 +145,8 @@ void SVRecorder::writeManifest(const std::filesystem::path& file, WallTime start
                                     std::to_string(sourceFormat.channels) + "ch";
     manifest.recordedBy = std::string("Sonavault ") + kSonavaultVersion;
     manifest.notes = "MP3 (libmp3lame), CBR " + std::to_string(activeBitrateKbps_) + " kbps";
-    if (const auto written = writeFileAtomically(file, encodeManifest(manifest)); !written)
+    // It is never written again, so it must not be there without its content after a power cut.
+    if (const auto written = writeFileThroughToDisk(file, encodeManifest(manifest)); !written)
         log("manifest write failed: " + written.error());
     else
         services_.flusher.flushSoon(file);

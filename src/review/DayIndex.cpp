@@ -16,6 +16,15 @@ Made shared(Result<Mp3FrameIndex> index) {
     return DayIndex::Ready(std::make_shared<const Mp3FrameIndex>(std::move(index.value())));
 }
 
+/// A day too large for the memory that is left has no index, and those who wait are told.
+Made madeSafely(const DayIndex::Make& make, const std::stop_token& stop) {
+    try {
+        return shared(make(stop));
+    } catch (const std::exception& error) {
+        return Made::failure(error.what());
+    }
+}
+
 }  // namespace
 
 /// What the thread that makes it and those who wait share.
@@ -40,11 +49,11 @@ DayIndex::DayIndex(const Make& make) : making_(std::make_shared<Making>()) {
         job_ = std::make_unique<BackgroundJob>(
             "day-index",
             [make, making = making_](const std::stop_token& stop) {
-                making->tell(shared(make(stop)));
+                making->tell(madeSafely(make, stop));
             },
             BackgroundJob::Priority::asAnyOther);
     } catch (const std::system_error&) {
-        making_->tell(shared(make({})));
+        making_->tell(madeSafely(make, {}));
     }
 }
 

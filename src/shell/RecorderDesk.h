@@ -18,11 +18,15 @@ class RecorderDesk final : public RecorderHost {
     std::function<void(const std::string& text)> onStatusText;
     std::function<void(const std::string& message, const std::string& information)> onAlert;
     std::function<void(float rms, double bucketSec)> onLivePeak;
+    std::function<void()> onRecordingBegan;
 
     bool isRecording() const { return isRecording_; }
     float recordingInputDb() const { return recordingInputDb_.load(std::memory_order_relaxed); }
 
-    void setRecording(bool recording) override { isRecording_ = recording; }
+    void setRecording(bool recording) override {
+        isRecording_ = recording;
+        if (recording) onRecordingBegan();
+    }
     void setRecordingInputDb(float db) override {
         recordingInputDb_.store(db, std::memory_order_relaxed);
     }

@@ -1,7 +1,11 @@
 #include "shell/SonavaultViewController.h"
 
+#include <system_error>
+
+#include "platform/AtomicFile.h"
 #include "shell/ConnectionDot.h"
 #include "store/OrphanRecovery.h"
+#include "store/StalePeaks.h"
 
 namespace sonavault {
 
@@ -21,6 +25,7 @@ SonavaultViewController::SonavaultViewController(ShellServices services)
     desk_->onLivePeak = [this](float rms, double bucketSec) {
         review().peaks().appendLivePeak(rms, bucketSec);
     };
+    desk_->onRecordingBegan = [this] { review().peaks().recordingBegan(); };
     buildTabs();
     review().days().reloadDailyRecordings();
 }
@@ -82,9 +87,31 @@ void SonavaultViewController::afterWindowReady() {
 void SonavaultViewController::putDaysRight() {
     recoverOrphanedRecordings(services_.recorder.stationFolder, services_.recorder.clock,
                               services_.recorder.log);
+    removeStalePeaks(services_.recorder.stationFolder);
     review().days().reloadDailyRecordings();
     review().renderDateList();
     review().day().loadStartupRecording();
+    removeLeftovers();
+}
+
+/// What earlier runs were writing when they ended. In the background: the folder of the last export
+/// may lie on a disk that doesn't answer.
+void SonavaultViewController::removeLeftovers() {
+    std::vector<std::filesystem::path> folders;
+    if (const auto days = services_.recorder.stationFolder.recordingsFolder())
+        folders.push_back(*days);
+    if (const auto airchecks = exports_.schedule().airchecksOutputFolder())
+        folders.push_back(*airchecks);
+    if (const auto chosen = services_.preferences.text(kLastExportFolderKey))
+        folders.emplace_back(*chosen);
+    try {
+        leftovers_ = std::make_unique<BackgroundJob>("leftovers", [folders](const auto& stop) {
+            for (const auto& folder : folders)
+                if (!stop.stop_requested()) removeAbandonedTemporaries(folder);
+        });
+    } catch (const std::system_error&) {
+        // No thread is to be had: the next launch does it.
+    }
 }
 
 void SonavaultViewController::makeRecorder() {

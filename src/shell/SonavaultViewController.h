@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "platform/BackgroundJob.h"
 #include "recorder/SVRecorder.h"
 #include "shell/ExportDesk.h"
 #include "shell/KeyDesk.h"
@@ -91,6 +92,7 @@ class SonavaultViewController {
     void startDisplayLoop();
     StationIntegration::Facts stationFacts();
     void putDaysRight();
+    void removeLeftovers();
     void makeRecorder();
     void autoResumeAtLaunch();
     void tryOwedRecording();
@@ -112,6 +114,7 @@ class SonavaultViewController {
     ExportDesk exports_;
     KeyDesk keys_;
     OwedRecording owedRecording_;
+    std::unique_ptr<BackgroundJob> leftovers_;
     std::unique_ptr<SVRecorder> recorder_;
     std::unique_ptr<QTimer> displayTimer_;
     std::unique_ptr<KeyMonitor> keyMonitor_;

@@ -229,8 +229,9 @@ void DayList::deleteFilesOf(const DailyRecording& row) {
         // With the dot, so that the match is a whole date.
         if (!name.starts_with(kRecordingPrefix + row.date + ".")) continue;
         std::error_code failed;
-        std::filesystem::remove_all(entry, failed);
-        if (!failed) log_.line("Sonavault: deleted " + name);
+        const auto removed = std::filesystem::remove_all(entry, failed);
+        // Another may have been quicker.
+        if (!failed && removed > 0) log_.line("Sonavault: deleted " + name);
     }
 }
 

@@ -3,6 +3,7 @@
 #include "platform/AppendWhole.h"
 #include "platform/AtomicFile.h"
 #include "platform/FileQueries.h"
+#include "platform/FileStamp.h"
 #include "platform/Format.h"
 
 namespace sonavault {
@@ -27,9 +28,20 @@ std::string markerRow(const std::string& clockTime, const std::string& type,
            "\n";
 }
 
+namespace {
+
+/// As a power cut can leave a file: its name without its content.
+bool isEmptyFile(const std::filesystem::path& log) {
+    std::error_code unreadable;
+    const auto status = std::filesystem::symlink_status(log, unreadable);
+    const auto stamp = fileStamp(log);
+    return std::filesystem::is_regular_file(status) && stamp && stamp->size == 0;
+}
+
+}  // namespace
+
 void writeCSVHeaderIfNeeded(const std::filesystem::path& log, DiskFlusher& flusher) {
-    // A power cut can leave a name without its content.
-    if (pathExists(log) && fileSize(log) != 0) return;
+    if (pathExists(log) && !isEmptyFile(log)) return;
     if (writeFileAtomically(log, kMarkerLogHeader)) flusher.flushSoon(log);
 }
 

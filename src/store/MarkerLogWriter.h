@@ -23,7 +23,8 @@ std::string formatDuration(double seconds);
 std::string markerRow(const std::string& clockTime, const std::string& type,
                       const std::string& label, double durationSec);
 
-/// Begins the day's log with its header when there is no file yet. A failure is passed over: the
+/// Begins the day's log with its header when there is no file yet, or a plain one without a byte. A
+/// failure is passed over: the
 /// append that follows fails with its own words.
 void writeCSVHeaderIfNeeded(const std::filesystem::path& log, DiskFlusher& flusher);
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/FileQueries.h"
+#include "platform/FileStamp.h"
 #include "store/PeaksGeneration.h"
 
 namespace sonavault {
@@ -64,9 +65,18 @@ void PeaksCache::loadOrGeneratePeaks(const std::filesystem::path& audio) {
         return;
     }
     if (isGeneratingPeaks_) return;
-    isGeneratingPeaks_ = true;
     host_.setStatusBarText("Preparing waveform…");
-    startJob(audio);
+    startJob(audio, Reason::asked);
+}
+
+void PeaksCache::recordingBegan() {
+    const auto audio = host_.loadedFileURL();
+    if (!audio || !isLive(*audio)) return;
+    // What a job under way is measuring is the file as it was before.
+    if (isGeneratingPeaks_)
+        begunWhileMeasuring_ = true;
+    else
+        startJob(*audio, Reason::recordingBegan);
 }
 
 /// False when there is no sidecar, or a bad one, which the next save replaces.
@@ -94,41 +104,78 @@ PeaksResult generateSafely(const PeaksCache::Generate& generate, const std::file
     }
 }
 
-}  // namespace
-
-void PeaksCache::startJob(const std::filesystem::path& audio) {
-    std::erase_if(jobs_, [](const auto& job) { return job->hasEnded(); });
-    auto deliver = lifetime_.guard(
-        [this](const std::shared_ptr<PeaksResult>& result) { takeResult(*result); });
-    jobs_.push_back(
-        std::make_unique<BackgroundJob>("peaks", [audio, generate = generate_, outlet = outlet_,
-                                                  deliver](const std::stop_token& stop) mutable {
-            auto result = std::make_shared<PeaksResult>(generateSafely(generate, audio, stop));
-            if (stop.stop_requested()) return;
-            // Without its sidecar the day is measured again at the next launch, and that is all; a
-            // day that was deleted meanwhile must not come back with it.
-            if (*result && pathExists(audio)) (void)savePeaksFile(result->value(), peaksURL(audio));
-            outlet->post([deliver = std::move(deliver), result]() mutable { deliver(result); });
-        }));
+/// Writes the sidecar of a file that is still as it was when it was measured. One that has grown
+/// since would be taken for all of the day at a later launch, and one that was deleted must not
+/// come back with its waveform. A failure is passed over: the day is then measured again.
+void keepBeside(const std::filesystem::path& audio, const std::optional<FileStamp>& measured,
+                const PeaksData& peaks) {
+    const auto hasChanged = [&] { return !measured || fileStamp(audio) != measured; };
+    if (hasChanged() || !savePeaksFile(peaks, peaksURL(audio)) || !hasChanged()) return;
+    std::error_code ignored;
+    std::filesystem::remove(peaksURL(audio), ignored);
 }
 
-void PeaksCache::takeResult(const PeaksResult& result) {
+}  // namespace
+
+void PeaksCache::startJob(const std::filesystem::path& audio, Reason reason) {
+    isGeneratingPeaks_ = true;
+    begunWhileMeasuring_ = false;
+    liveWhileMeasuring_ = 0;
+    std::erase_if(jobs_, [](const auto& job) { return job->hasEnded(); });
+    const std::function<void(const PeaksResult&)> deliver =
+        lifetime_.guard([this, reason](const PeaksResult& result) { takeResult(result, reason); });
+    try {
+        jobs_.push_back(begin(audio, deliver));
+    } catch (const std::system_error& error) {
+        outlet_->post([deliver, why = error.code().message()] {
+            deliver(PeaksResult::failure({PeaksError::Code::passedOn, why}));
+        });
+    }
+}
+
+/// Throws std::system_error when no thread can be had.
+std::unique_ptr<BackgroundJob> PeaksCache::begin(
+    const std::filesystem::path& audio, std::function<void(const PeaksResult&)> deliver) const {
+    return std::make_unique<BackgroundJob>(
+        "peaks", [audio, generate = generate_, outlet = outlet_,
+                  deliver = std::move(deliver)](const std::stop_token& stop) mutable {
+            const auto measured = fileStamp(audio);
+            auto result = std::make_shared<PeaksResult>(generateSafely(generate, audio, stop));
+            if (stop.stop_requested()) return;
+            if (*result) keepBeside(audio, measured, result->value());
+            outlet->post([deliver = std::move(deliver), result] { deliver(*result); });
+        });
+}
+
+void PeaksCache::takeResult(const PeaksResult& result, Reason reason) {
     isGeneratingPeaks_ = false;
     if (!result) {
-        host_.setStatusBarText("Waveform generation failed.");
+        if (reason == Reason::asked) host_.setStatusBarText("Waveform generation failed.");
         log_.line("Sonavault: Peaks generation failed: " + result.error().description);
         return;
     }
     peaksData_ = result.value();
-    host_.setStatusBarText("");
+    if (reason == Reason::asked) host_.setStatusBarText("");
     host_.redrawSummaryBar();
     log_.line("Sonavault: Peaks generated and cached (" + std::to_string(peaksData_->rms.size()) +
               " buckets)");
+    measureAgainIfOwed(reason);
+}
+
+/// The live values of a long measurement are not in its result, and what follows would be drawn too
+/// early by as much. Measuring once more is quick: only what is new is decoded.
+void PeaksCache::measureAgainIfOwed(Reason reason) {
+    constexpr std::size_t kLiveThatMayBeMissing = 4;  // a second of the day
+    if (begunWhileMeasuring_) return recordingBegan();
+    const auto audio = host_.loadedFileURL();
+    if (reason != Reason::catchingUp && liveWhileMeasuring_ > kLiveThatMayBeMissing && audio)
+        startJob(*audio, Reason::catchingUp);
 }
 
 void PeaksCache::appendLivePeak(float rms, double bucketSec) {
     const auto recorded = host_.lastRecordingURL();
     if (!recorded || host_.loadedFileURL() != recorded) return;
+    if (isGeneratingPeaks_) ++liveWhileMeasuring_;
     if (!peaksData_) {
         peaksData_ = PeaksData{bucketSec, bucketSec, {rms}, rms};
     } else {
@@ -147,6 +194,8 @@ void PeaksCache::appendLivePeak(float rms, double bucketSec) {
 void PeaksCache::clear() {
     peaksData_.reset();
     isGeneratingPeaks_ = false;
+    begunWhileMeasuring_ = false;
+    liveWhileMeasuring_ = 0;
     host_.redrawSummaryBar();
 }
 

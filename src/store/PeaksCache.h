@@ -56,6 +56,11 @@ class PeaksCache {
     /// always has a stale sidecar, which is removed.
     void loadOrGeneratePeaks(const std::filesystem::path& audio);
 
+    /// To be called when a recording has begun. When it goes on in the day that is shown, that day
+    /// is measured anew, for what is shown may be of a time at which the file was shorter. Nothing
+    /// is said of it.
+    void recordingBegan();
+
     /// One more bucket at the end, when the day being recorded is the one that is shown.
     void appendLivePeak(float rms, double bucketSec);
 
@@ -65,11 +70,15 @@ class PeaksCache {
 
   private:
     struct Outlet;
+    enum class Reason { asked, recordingBegan, catchingUp };
 
     bool isLive(const std::filesystem::path& audio) const;
     bool loadSidecar(const std::filesystem::path& audio);
-    void startJob(const std::filesystem::path& audio);
-    void takeResult(const PeaksResult& result);
+    void startJob(const std::filesystem::path& audio, Reason reason);
+    std::unique_ptr<BackgroundJob> begin(const std::filesystem::path& audio,
+                                         std::function<void(const PeaksResult&)> deliver) const;
+    void takeResult(const PeaksResult& result, Reason reason);
+    void measureAgainIfOwed(Reason reason);
 
     PeaksHost& host_;
     const Clock& clock_;
@@ -79,6 +88,8 @@ class PeaksCache {
     std::optional<PeaksData> peaksData_;
     bool isGeneratingPeaks_ = false;
     double lastLivePeakRepaint_ = 0;
+    std::size_t liveWhileMeasuring_ = 0;  // buckets that the job's result may lack
+    bool begunWhileMeasuring_ = false;
 
     Lifetime lifetime_;
     std::shared_ptr<Outlet> outlet_;  // shared with the jobs, which may outlive all else

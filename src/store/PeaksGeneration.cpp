@@ -150,12 +150,12 @@ std::optional<PeaksError> PeaksGenerator::measure(const Opener& open, const Peak
     std::atomic<std::size_t> next = from;
     std::mutex errorMutex;
     std::optional<PeaksError> error;
-    const auto work = [&] {
+    const auto fail = [&](PeaksError found) {
+        const std::scoped_lock lock(errorMutex);
+        error = std::move(found);
+    };
+    const auto decodePieces = [&] {
         auto decoder = open();
-        const auto fail = [&](PeaksError found) {
-            const std::scoped_lock lock(errorMutex);
-            error = std::move(found);
-        };
         if (!decoder) return fail(passedOn(decoder.error()));
         for (;;) {
             const std::size_t begin = next.fetch_add(kBucketsAtATime);
@@ -163,6 +163,15 @@ std::optional<PeaksError> PeaksGenerator::measure(const Opener& open, const Peak
             const std::size_t end = std::min(begin + kBucketsAtATime, rms.size());
             if (!measurePeaks(*decoder.value(), grid, begin, end, rms, stop))
                 return fail(passedOn(kStopped));
+        }
+    };
+
+    const auto work = [&] {
+        try {
+            decodePieces();
+        } catch (const std::exception& thrown) {
+            // From a helper it would end the process.
+            fail(passedOn(thrown.what()));
         }
     };
 

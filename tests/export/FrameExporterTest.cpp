@@ -1,5 +1,7 @@
 #include "export/FrameExporter.h"
 
+#include <new>
+
 #include "export/ExportFixture.h"
 #include "export/LiteralFrameWalk.h"
 #include "support/NoThreads.h"
@@ -102,6 +104,18 @@ TEST_F(FrameExporterTest, tells_when_no_thread_is_to_be_had_and_is_done_with_it)
     EXPECT_EQ(results_,
               std::vector<std::string>{"Could not write output: Resource temporarily unavailable"});
     EXPECT_TRUE(exporter_.underWay().empty());
+}
+
+TEST_F(FrameExporterTest, tells_of_a_cut_for_which_there_is_no_memory) {
+    FrameExporter starved(desk_, mainQueue_,
+                          [](const auto&, const auto&, const auto&, const auto&,
+                             const auto&) -> Result<Done, ExportError> { throw std::bad_alloc(); });
+    starved.exportSelectionsToMP3(std::vector{selection(1, 2)}, home_ / "cut.mp3", remember());
+    const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    while (results_.empty() && std::chrono::steady_clock::now() < patience)
+        if (mainQueue_.runAll() == 0) std::this_thread::yield();
+    EXPECT_EQ(results_, std::vector<std::string>{"Could not write output: std::bad_alloc"});
+    EXPECT_TRUE(starved.underWay().empty());
 }
 
 TEST_F(FrameExporterTest, does_not_replace_a_day_in_a_folder_of_recordings) {

@@ -92,6 +92,8 @@ TEST(ScheduledAircheckCard, begins_as_a_draft_that_is_not_ready) {
 
 TEST(ScheduledAircheckCard, gives_its_file_a_name_without_slashes) {
     auto card = morningShow();
+    card.label = std::string("Early\0Show", 10);
+    EXPECT_TRUE(scheduledAircheckName(card, "2026-05-08").starts_with("Aircheck_Early_Show_"));
     card.label = "Morning/Drive ";
     EXPECT_EQ(scheduledAircheckName(card, "2026-05-08"),
               "Aircheck_Morning_Drive_Live_2026-05-08_06-09.mp3");

@@ -134,6 +134,19 @@ TEST_F(SelectionExportTest, applies_selections_of_another_day_to_the_one_that_is
     EXPECT_EQ(readFile(home_ / "cut.mp3"), LiteralFrameWalk::cut(day_, {{5, 15}}));
 }
 
+TEST_F(SelectionExportTest, counts_in_the_end_what_was_selected_when_the_panel_closed) {
+    loadDay(200);
+    desk_.chosen = {selection(10, 20)};
+    desk_.whileChoosing = [this] { desk_.chosen.push_back(selection(50, 60)); };
+    exportTo(home_ / "cut.mp3");
+    ASSERT_EQ(desk_.alerts.size(), 2u);
+    EXPECT_EQ(desk_.panels[0].message, "Save 1 selection into one MP3 file");
+    // The total is of the summary that the person confirmed.
+    EXPECT_EQ(desk_.alerts[1].information,
+              "Wrote 2 selections (total 00:00:10) to:\n\n" + (home_ / "cut.mp3").string());
+    EXPECT_EQ(readFile(home_ / "cut.mp3"), LiteralFrameWalk::cut(day_, {{10, 20}, {50, 60}}));
+}
+
 TEST_F(SelectionExportTest, says_nothing_once_it_is_gone) {
     loadDay(100);
     desk_.chosen = {selection(1, 2)};

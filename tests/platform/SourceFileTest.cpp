@@ -4,8 +4,10 @@
 
 #include <fstream>
 
+#include "platform/AtomicFile.h"
 #include "support/FileSizeLimit.h"
 #include "support/TempFolder.h"
+#include "support/WithoutPrivileges.h"
 
 namespace sonavault::testing {
 namespace {
@@ -141,6 +143,73 @@ TEST_P(SourceFileTest, writes_where_a_symbolic_link_leads) {
     EXPECT_TRUE(is_symlink(copy_));
     EXPECT_EQ(readFile(copy_), "a day");
 }
+
+/// A folder with a file that anybody may write, and into which nobody may put a new one.
+class ClosedFolder : public SourceFileTest {
+  protected:
+    void haveCut(std::string_view bytes) const {
+        writeFile(cut_, bytes);
+        std::filesystem::permissions(cut_, std::filesystem::perms(0666));
+        std::filesystem::permissions(folder_.path(), std::filesystem::perms(0755));
+        std::filesystem::permissions(cut_.parent_path(), std::filesystem::perms(0555));
+    }
+    ~ClosedFolder() override {
+        std::filesystem::permissions(cut_.parent_path(), std::filesystem::perms(0755));
+    }
+
+    const std::filesystem::path cut_ = folder_ / "closed" / "cut.mp3";
+};
+
+TEST_P(ClosedFolder, has_a_file_that_is_written_in_place) {
+    const std::string bytes = someBytes(3'000'000);
+    const SourceFile day = source(bytes);
+    haveCut(someBytes(4'000'000));
+    const WithoutPrivileges anybody;
+    ASSERT_TRUE(anybody.works());
+    ASSERT_FALSE(writeFileAtomically(cut_, "x")) << "the folder is not closed";
+    ASSERT_TRUE(day.writeRanges(std::vector<ByteRange>{{2'000'000, 2'500'000}, {0, 7}}, cut_, {},
+                                GetParam()));
+    EXPECT_EQ(readFile(cut_), bytes.substr(2'000'000, 500'000) + bytes.substr(0, 7));
+}
+
+TEST_P(ClosedFolder, has_an_empty_file_rather_than_a_part) {
+    const SourceFile day = source(someBytes(100'000));
+    haveCut("old");
+    const WithoutPrivileges anybody;
+    ASSERT_TRUE(anybody.works());
+    const FileSizeLimit full(30'000);
+    const auto outcome = day.writeRanges(std::vector<ByteRange>{{0, 90'000}}, cut_, {}, GetParam());
+    ASSERT_FALSE(outcome);
+    EXPECT_EQ(outcome.error().words, "File too large");
+    EXPECT_EQ(readFile(cut_), "");
+}
+
+TEST_P(ClosedFolder, takes_no_new_file_and_keeps_one_that_may_not_be_written) {
+    const SourceFile day = source(someBytes(1000));
+    haveCut("old");
+    std::filesystem::permissions(cut_, std::filesystem::perms(0444));
+    const WithoutPrivileges anybody;
+    ASSERT_TRUE(anybody.works());
+    for (const auto& output : {cut_, cut_.parent_path() / "new.mp3"})
+        EXPECT_EQ(
+            day.writeRanges(std::vector<ByteRange>{{0, 10}}, output, {}, GetParam()).error().words,
+            "Permission denied");
+    EXPECT_EQ(readFile(cut_), "old");
+}
+
+TEST_P(ClosedFolder, does_not_have_the_very_file_overwritten_that_is_copied_from) {
+    haveCut("bytes of a day");
+    const SourceFile day = std::move(SourceFile::open(cut_).value());
+    const WithoutPrivileges anybody;
+    ASSERT_TRUE(anybody.works());
+    EXPECT_FALSE(day.writeRanges(std::vector<ByteRange>{{0, 5}}, cut_, {}, GetParam()));
+    EXPECT_EQ(readFile(cut_), "bytes of a day");
+}
+
+INSTANTIATE_TEST_SUITE_P(CopiedBy, ClosedFolder, ::testing::Values(CopyBy::system, CopyBy::process),
+                         [](const auto& each) {
+                             return each.param == CopyBy::system ? "the_system" : "the_process";
+                         });
 
 INSTANTIATE_TEST_SUITE_P(CopiedBy, SourceFileTest,
                          ::testing::Values(CopyBy::system, CopyBy::process), [](const auto& each) {

@@ -55,6 +55,7 @@ class Midnight : public testing::RecorderFixture {
 TEST_F(Midnight, changes_the_files_one_second_after_it_and_nothing_else) {
     recordFrom("2026-03-02T22:59:50.0Z");
     testing::writeFile(dayFile("peaks", kNext), "stale");
+    testing::writeFile(dayFile("peaks"), "of the day until now");
     log_.clear();
     runFor(10.9);
     EXPECT_FALSE(exists("mp3", kNext));
@@ -74,6 +75,7 @@ TEST_F(Midnight, changes_the_files_one_second_after_it_and_nothing_else) {
     EXPECT_TRUE(input_.isRunning() && input_.hasTap());
     EXPECT_EQ(recorder_->lastRecordingURL(), dayFile("mp3", kNext));
     EXPECT_FALSE(exists("peaks", kNext));
+    EXPECT_FALSE(std::filesystem::exists(dayFile("peaks")));
 
     runFor(5);
     recorder_->toggleRecording();

@@ -90,6 +90,16 @@ TEST_F(Recorder, forgets_the_days_waveform_at_every_start) {
     EXPECT_FALSE(std::filesystem::exists(dayFile("peaks")));
 }
 
+TEST_F(Recorder, forgets_at_a_stop_the_waveform_that_was_made_while_the_file_grew) {
+    useLineInput();
+    recorder_->toggleRecording();
+    runFor(1);
+    testing::writeFile(dayFile("peaks"), "of half a day");
+    recorder_->toggleRecording();
+    EXPECT_FALSE(recorder_->isRecording());
+    EXPECT_FALSE(std::filesystem::exists(dayFile("peaks")));
+}
+
 TEST_F(Recorder, opens_nothing_again_when_asked_to_resume_what_runs) {
     useLineInput();
     recorder_->requestAutoResume();

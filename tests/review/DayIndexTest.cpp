@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <future>
+#include <new>
 #include <thread>
 
 #include "review/PlaybackFeeder.h"
@@ -70,6 +71,12 @@ TEST_F(DayIndexTest, tells_those_who_wait_why_it_cannot_be_made) {
     const auto made = index.await({});
     ASSERT_FALSE(made);
     EXPECT_EQ(made.error(), "bad disk");
+    EXPECT_EQ(index.ifReady(), nullptr);
+}
+
+TEST_F(DayIndexTest, for_which_there_is_no_memory_is_one_that_cannot_be_made) {
+    const DayIndex index([](const std::stop_token&) -> Made { throw std::bad_alloc(); });
+    EXPECT_EQ(index.await({}).error(), "std::bad_alloc");
     EXPECT_EQ(index.ifReady(), nullptr);
 }
 

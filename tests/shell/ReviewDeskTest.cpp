@@ -3,9 +3,12 @@
 #include <QApplication>
 #include <QtTest/QTest>
 #include <algorithm>
+#include <chrono>
 
+#include "export/ExportFolder.h"
 #include "shell/ShellFixture.h"
 #include "store/MarkerLogWriter.h"
+#include "store/PeaksFile.h"
 #include "support/SyntheticMp3.h"
 #include "views/DateRowView.h"
 
@@ -46,6 +49,31 @@ class ReviewDeskTest : public ShellFixture {
         return texts;
     }
     void click(std::size_t row) { QTest::mouseClick(list().at(row), Qt::LeftButton); }
+
+    static constexpr std::size_t kBucketsOfADay = 28'800;
+
+    /// As a process leaves it that ended while it recorded.
+    void haveStalePeaks(const std::string& date) {
+        const auto peaks = fileOf(date, "peaks");
+        ASSERT_TRUE(savePeaksFile({.bucketSec = 0.25, .rms = {0.5F}}, peaks));
+        const auto grown = std::filesystem::last_write_time(fileOf(date, "mp3"));
+        std::filesystem::last_write_time(peaks, grown - std::chrono::hours(1));
+    }
+
+    std::size_t bucketsShown() {
+        const auto& peaks = controller().review().peaks().peaksData();
+        return peaks ? peaks->rms.size() : 0;
+    }
+
+    template <class Condition>
+    bool waitUntil(Condition condition) {
+        return QTest::qWaitFor(
+            [&] {
+                mainQueue_.runAll();
+                return condition();
+            },
+            20000);
+    }
 
     LoadedDay& day() { return controller().review().day(); }
 };
@@ -139,6 +167,55 @@ TEST_F(ReviewDeskTest, writes_the_waveform_of_a_past_day_beside_it) {
             return std::filesystem::exists(fileOf("2026-03-01", "peaks"));
         },
         10000));
+}
+
+TEST_F(ReviewDeskTest, measures_a_day_anew_that_went_on_after_its_waveform_was_made) {
+    haveDay("2026-03-01");
+    haveStalePeaks("2026-03-01");
+    launch();
+    EXPECT_TRUE(waitUntil([this] { return bucketsShown() == kBucketsOfADay; }));
+    EXPECT_TRUE(waitUntil([this] {
+        const auto kept = loadPeaksFile(fileOf("2026-03-01", "peaks"));
+        return kept && kept.value().rms.size() == kBucketsOfADay;
+    }));
+}
+
+TEST_F(ReviewDeskTest, shows_all_of_a_day_in_which_it_goes_on_recording_after_a_crash) {
+    haveDay("2026-03-02");
+    haveStalePeaks("2026-03-02");
+    preferences_.setBoolean(kAutoResumeOnLaunchKey, true);
+    launch();
+    ASSERT_TRUE(isRecording());
+    EXPECT_TRUE(waitUntil([this] { return bucketsShown() >= kBucketsOfADay; }));
+}
+
+TEST_F(ReviewDeskTest, measures_the_day_under_review_anew_when_a_recording_goes_on_in_it) {
+    haveDay("2026-03-02");
+    ASSERT_TRUE(savePeaksFile({.bucketSec = 0.25, .rms = {0.5F}}, fileOf("2026-03-02", "peaks")));
+    launch();
+    ASSERT_EQ(bucketsShown(), 1U);
+    controller().toggleRecordingFromMenu();
+    const auto status = statusText();
+    EXPECT_TRUE(waitUntil([this] { return bucketsShown() >= kBucketsOfADay; }));
+    EXPECT_EQ(statusText(), status);
+}
+
+TEST_F(ReviewDeskTest, removes_at_launch_what_earlier_runs_were_writing_when_they_ended) {
+    // No process has such an id.
+    const auto* half = ".sonavault-99999999-0.tmp";
+    const auto logs = temp_ / "home/Calderwave/Station/Logs";
+    const std::vector<std::filesystem::path> folders{logs / "Audio", logs / "Airchecks",
+                                                     temp_ / "cuts"};
+    for (const auto& folder : folders) {
+        writeFile(folder / half, "half");
+        writeFile(folder / "cut.mp3", "whole");
+    }
+    preferences_.setText(kLastExportFolderKey, folders[2].string());
+    launch();
+    for (const auto& folder : folders) {
+        EXPECT_TRUE(waitUntil([&] { return !std::filesystem::exists(folder / half); }));
+        EXPECT_EQ(readFile(folder / "cut.mp3"), "whole");
+    }
 }
 
 TEST_F(ReviewDeskTest, deletes_a_day_once_the_person_confirmed_it) {

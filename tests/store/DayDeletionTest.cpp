@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "DayListFixture.h"
+#include "support/MeddlingLog.h"
+#include "support/WithoutPrivileges.h"
 
 namespace sonavault::testing {
 namespace {
@@ -168,6 +170,38 @@ TEST_F(DayDeletion, survives_the_list_being_read_again_while_the_question_is_ask
     };
     days_.deleteRecording(days_.dailyRecordings().back());
     EXPECT_THAT(dates(), IsEmpty());
+}
+
+TEST_F(DayDeletion, tells_of_no_file_that_another_removed_first) {
+    haveDays();
+    writeFile(folder_ / "Sonavault_2026-05-07.csv", "x");
+    MeddlingLog log(log_, [this] { fs::remove(audioOf(kYesterday)); });
+    DayList days(station_, clock_, log, lengths_, host_);
+    days.reloadDailyRecordings();
+    days.deleteRecording(*days.rowOf(kYesterday));
+    EXPECT_THAT(log_.lines(), ElementsAre("Sonavault: deleted Sonavault_2026-05-07.csv"));
+}
+
+TEST_F(DayDeletion, passes_over_what_cannot_be_removed_and_lists_a_day_whose_audio_stayed) {
+    // What is in a folder that nobody may write can't be removed, not even with the folder.
+    const auto stuck = audioOf(kYesterday);
+    writeFile(stuck / "inside", "x");
+    fs::permissions(stuck, fs::perms::owner_read | fs::perms::owner_exec);
+    for (const auto* suffix : {"csv", "peaks"})
+        writeFile(folder_ / ("Sonavault_2026-05-07." + std::string(suffix)), "x");
+    fs::permissions(folder_, fs::perms::all);
+    fs::permissions(home_.path(), fs::perms::all);
+    days_.reloadDailyRecordings();
+    {
+        const WithoutPrivileges anybody;
+        ASSERT_TRUE(anybody.works());
+        deleteDay(kYesterday);
+    }
+    fs::permissions(stuck, fs::perms::owner_all);
+    EXPECT_THAT(log_.lines(), ElementsAre("Sonavault: deleted Sonavault_2026-05-07.csv",
+                                          "Sonavault: deleted Sonavault_2026-05-07.peaks"));
+    EXPECT_THAT(host_.warnings, SizeIs(1)) << "the question, and nothing after it";
+    EXPECT_THAT(dates(), ElementsAre(kYesterday));
 }
 
 TEST_F(DayDeletion, removes_a_link_and_not_what_it_leads_to) {

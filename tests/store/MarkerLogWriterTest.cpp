@@ -56,6 +56,20 @@ TEST_F(MarkerLogOnDisk, keeps_what_it_holds_when_it_exists) {
     EXPECT_EQ(readFile(log_), "anything");
 }
 
+TEST_F(MarkerLogOnDisk, gets_its_header_when_a_power_cut_left_a_name_without_a_byte) {
+    writeFile(log_, "");
+    writeCSVHeaderIfNeeded(log_, flusher_);
+    EXPECT_EQ(readFile(log_), kMarkerLogHeader);
+}
+
+TEST_F(MarkerLogOnDisk, does_not_take_the_place_of_a_link) {
+    const auto elsewhere = folder_ / "elsewhere.csv";
+    writeFile(elsewhere, "");
+    std::filesystem::create_symlink(elsewhere, log_);
+    writeCSVHeaderIfNeeded(log_, flusher_);
+    EXPECT_TRUE(std::filesystem::is_symlink(log_));
+}
+
 TEST_F(MarkerLogOnDisk, grows_by_whole_rows) {
     writeCSVHeaderIfNeeded(log_, flusher_);
     ASSERT_TRUE(appendMarkerRow(log_, markerRow("08:00:00", "hour", "", 0), flusher_));

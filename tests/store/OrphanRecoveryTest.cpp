@@ -3,11 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <utility>
-
 #include "platform/LocalTime.h"
 #include "support/ManualClock.h"
+#include "support/MeddlingLog.h"
 #include "support/RecordedLog.h"
 #include "support/ScopedTimeZone.h"
 #include "support/TempFolder.h"
@@ -224,21 +222,6 @@ TEST_F(OrphanRecoveryTest, drops_every_half_of_the_mark_from_the_name_of_the_day
     EXPECT_EQ(names(), (Names{"xy.m4a"}));
     EXPECT_EQ(fs::file_size(folder_ / "xy.m4a"), 80U);
 }
-
-/// A log that does something at its first line, as another program might at any moment.
-class MeddlingLog final : public Log {
-  public:
-    MeddlingLog(RecordedLog& log, std::function<void()> meddle)
-        : log_(log), meddle_(std::move(meddle)) {}
-    void line(std::string_view text) override {
-        log_.line(text);
-        if (const auto meddle = std::exchange(meddle_, nullptr)) meddle();
-    }
-
-  private:
-    RecordedLog& log_;
-    std::function<void()> meddle_;
-};
 
 TEST_F(OrphanRecoveryTest, tells_which_stub_could_not_be_given_the_name_of_its_day) {
     const std::string first = "Sonavault_2026-05-06.m4a";

@@ -5,11 +5,13 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <fstream>
 #include <map>
 #include <thread>
 
 #include "support/ManualClock.h"
 #include "support/ManualQueue.h"
+#include "support/NoThreads.h"
 #include "support/RecordedLog.h"
 #include "support/SyntheticMp3.h"
 #include "support/TempFolder.h"
@@ -47,6 +49,12 @@ class HeldGenerator {
         const std::scoped_lock lock(mutex_);
         results_.insert_or_assign(audio, std::move(result));
         changed_.notify_all();
+    }
+
+    /// Jobs that come now wait again.
+    void forget() {
+        const std::scoped_lock lock(mutex_);
+        results_.clear();
     }
 
     /// Waits until so many jobs came here.
@@ -93,6 +101,10 @@ class PeaksCacheTest : public ::testing::Test {
                 const std::stop_callback waking(stop, [held] { held->wake(); });
                 return held->generate(audio, stop);
             });
+    }
+
+    void growDay() const {
+        std::ofstream(day, std::ios::app | std::ios::binary) << SyntheticMp3().frames(1).bytes();
     }
 
     /// Runs what jobs post until `done` holds.
@@ -245,6 +257,95 @@ TEST_F(PeaksCacheTest, reports_a_job_that_had_no_memory_like_any_failure) {
     starved.loadOrGeneratePeaks(day);
     ASSERT_TRUE(eventually([&] { return !starved.isGeneratingPeaks(); }));
     EXPECT_EQ(desk.status, "Waveform generation failed.");
+}
+
+TEST_F(PeaksCacheTest, reports_a_job_for_which_no_thread_is_to_be_had_like_any_failure) {
+    {
+        const NoThreads none;
+        cache->loadOrGeneratePeaks(day);
+    }
+    EXPECT_TRUE(cache->isGeneratingPeaks()) << "told later, as ever";
+    queue.runAll();
+    EXPECT_FALSE(cache->isGeneratingPeaks());
+    EXPECT_EQ(desk.status, "Waveform generation failed.");
+    EXPECT_EQ(log.lines(),
+              std::vector<std::string>{
+                  "Sonavault: Peaks generation failed: Resource temporarily unavailable"});
+
+    held->release(day, someBuckets(3));
+    cache->loadOrGeneratePeaks(day);
+    EXPECT_TRUE(eventually([&] { return cache->peaksData().has_value(); }));
+}
+
+TEST_F(PeaksCacheTest, keeps_no_waveform_of_a_day_that_grew_while_it_was_measured) {
+    cache->loadOrGeneratePeaks(day);
+    held->awaitBegun(1);
+    growDay();
+    held->release(day, someBuckets(3));
+    ASSERT_TRUE(eventually([&] { return !cache->isGeneratingPeaks(); }));
+    EXPECT_EQ(cache->peaksData()->rms.size(), 3U) << "it is shown all the same";
+    EXPECT_FALSE(std::filesystem::exists(sidecar));
+}
+
+TEST_F(PeaksCacheTest, keeps_nothing_behind_the_back_of_a_recording_that_stopped_meanwhile) {
+    desk.recorded = desk.loaded = day;
+    cache->loadOrGeneratePeaks(day);
+    held->awaitBegun(1);
+    growDay();                         // the encoder's last frames,
+    std::filesystem::remove(sidecar);  // and what a stop removes
+    held->release(day, someBuckets(3));
+    ASSERT_TRUE(eventually([&] { return !cache->isGeneratingPeaks(); }));
+    EXPECT_FALSE(std::filesystem::exists(sidecar));
+}
+
+TEST_F(PeaksCacheTest, measures_the_day_that_is_shown_anew_when_a_recording_goes_on_in_it) {
+    ASSERT_TRUE(savePeaksFile(someBuckets(2), sidecar));
+    desk.loaded = day;
+    cache->loadOrGeneratePeaks(day);
+    ASSERT_EQ(cache->peaksData()->rms.size(), 2U);
+    desk.status = "Recording";
+    desk.recorded = day;
+    cache->recordingBegan();
+    held->release(day, someBuckets(9));
+    ASSERT_TRUE(eventually([&] { return !cache->isGeneratingPeaks(); }));
+    EXPECT_EQ(cache->peaksData()->rms.size(), 9U);
+    EXPECT_EQ(desk.status, "Recording") << "nobody asked for it";
+}
+
+TEST_F(PeaksCacheTest, leaves_what_is_shown_alone_when_a_recording_begins_in_another_day) {
+    desk.loaded = otherDay;
+    cache->recordingBegan();
+    desk.recorded = day;
+    cache->recordingBegan();
+    EXPECT_FALSE(cache->isGeneratingPeaks());
+}
+
+TEST_F(PeaksCacheTest, measures_again_what_was_under_way_when_the_recording_began) {
+    desk.loaded = day;
+    cache->loadOrGeneratePeaks(day);
+    held->awaitBegun(1);
+    desk.recorded = day;
+    cache->recordingBegan();
+    held->release(day, someBuckets(3));
+    ASSERT_TRUE(eventually([&] { return held->begun().size() == 2; }));
+    ASSERT_TRUE(eventually([&] { return !cache->isGeneratingPeaks(); }));
+    EXPECT_EQ(held->begun(), (std::vector<std::filesystem::path>{day, day}));
+}
+
+TEST_F(PeaksCacheTest, makes_up_once_for_the_live_values_that_came_while_it_measured) {
+    desk.loaded = desk.recorded = day;
+    const auto measureWhile = [&](int liveValues) {
+        const auto before = held->begun().size();
+        cache->loadOrGeneratePeaks(day);
+        held->awaitBegun(before + 1);
+        for (int i = 0; i < liveValues; ++i) cache->appendLivePeak(0.5F, 0.25);
+        held->release(day, someBuckets(3));
+        EXPECT_TRUE(eventually([&] { return !cache->isGeneratingPeaks(); }));
+        held->forget();
+        return held->begun().size() - before;
+    };
+    EXPECT_EQ(measureWhile(4), 1U);
+    EXPECT_EQ(measureWhile(5), 2U);
 }
 
 TEST_F(PeaksCacheTest, has_live_values_drawn_on_when_the_clock_was_set_back) {
