@@ -15,9 +15,8 @@ void AircheckSchedule::saveScheduledAirchecks() {
     services_.preferences.setBytes(kScheduledAirchecksKey, encodeCards(scheduledAirchecks_));
 }
 
-void AircheckSchedule::tickDisplay() {
-    if (lastAirchecksSchedulerCheck_.takeTurn(secondsSince1970(services_.clock.now())))
-        airchecksSchedulerTick();
+void AircheckSchedule::tickDisplay(double now) {
+    if (lastAirchecksSchedulerCheck_.takeTurn(now)) airchecksSchedulerTick();
 }
 
 void AircheckSchedule::airchecksSchedulerTick() {

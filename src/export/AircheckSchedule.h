@@ -54,8 +54,8 @@ class AircheckSchedule {
     void saveScheduledAirchecks();
 
     /// Looks at the cards if the last look was long enough ago. To be called with each tick of the
-    /// display.
-    void tickDisplay();
+    /// display. `now`: the tick's moment. Units: seconds since 1970
+    void tickDisplay(double now);
 
     /// Runs the cards that are due.
     void airchecksSchedulerTick();

@@ -36,7 +36,7 @@ struct SavePanel {
 struct AircheckSaved {
     std::string label;  ///< "manual", or the card's
     std::string mode;   ///< "liveMic" or "voicetracked"
-    std::string date;   ///< of the day that was compiled, "yyyy-MM-dd"
+    std::string date;   ///< of the day compiled, of a scheduled one of its run, "yyyy-MM-dd"
     int startHour = 0;
     int endHour = 0;
     std::filesystem::path outputURL;

@@ -1,6 +1,7 @@
 #include "review/Playback.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace sonavault {
@@ -59,8 +60,10 @@ void Playback::togglePlayback() {
 }
 
 void Playback::jumpTo(DaySeconds position) {
+    // What is no number has no place among its limits.
+    const double wanted = std::isnan(position.value) ? 0 : position.value;
     const DaySeconds clamped{
-        std::clamp(position.value, 0.0, LoadedDay::timelineDuration() - kLeastLeftSec)};
+        std::clamp(wanted, 0.0, LoadedDay::timelineDuration() - kLeastLeftSec)};
     day_.setPlayheadSec(clamped.value);
     if (isPlaying_) startPlayback(clamped);
     host_.updatePlayheadVisuals();
@@ -68,7 +71,13 @@ void Playback::jumpTo(DaySeconds position) {
 
 void Playback::advancePlayhead() {
     if (!isPlaying_) return;
-    const double position = playStartFromSec_ + (now() - playStartHostTime_);
+    const double moment = now();
+    // A clock that was set back must not take the listener to before the beginning of the play.
+    if (moment < playStartHostTime_) {
+        playStartFromSec_ = day_.playheadSec();
+        playStartHostTime_ = moment;
+    }
+    const double position = playStartFromSec_ + (moment - playStartHostTime_);
     const double end = endOfAudioSec();
     day_.setPlayheadSec(std::min(position, end));
     if (position >= end)

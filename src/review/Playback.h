@@ -51,6 +51,7 @@ class Playback {
     void togglePlayback();
 
     /// Moves the playhead, taken to the day's ends, and plays on from there when something plays.
+    /// What is no number is midnight.
     void jumpTo(DaySeconds position);
 
     /// Moves the playhead on, and ends playback at the end of the audio. Called at each tick.
@@ -58,7 +59,8 @@ class Playback {
 
     bool isPlaying() const { return isPlaying_; }
 
-    /// Where on the day and when the last play began. Units: seconds of the day; seconds since 1970
+    /// Where on the day and when the last play began, or was taken up again after the clock was set
+    /// to before that. Units: seconds of the day; seconds since 1970
     double playStartFromSec() const { return playStartFromSec_; }
     double playStartHostTime() const { return playStartHostTime_; }
 

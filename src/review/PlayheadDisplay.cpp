@@ -12,4 +12,9 @@ void PlayheadDisplay::updatePlayheadVisuals() {
     host_.setNowPlaying(nowPlayingText(nowPlaying_.at(playhead)));
 }
 
+void PlayheadDisplay::showNoDay() {
+    host_.setTransportTime(formatTime(0));
+    host_.setNowPlaying(nowPlayingText(nullptr));
+}
+
 }  // namespace sonavault

@@ -42,6 +42,9 @@ class PlayheadDisplay {
     /// Shows the playhead's present place.
     void updatePlayheadVisuals();
 
+    /// The day has gone: the clock is as at launch, and nothing is told of what was on the air.
+    void showNoDay();
+
   private:
     PlayheadDisplayHost& host_;
     NowPlaying nowPlaying_;

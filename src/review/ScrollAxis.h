@@ -18,7 +18,7 @@ struct ScrollEvent {
     ScrollPhase momentumPhase = ScrollPhase::none;
 };
 
-/// Judges a gesture once, at its start, and keeps it on that axis however it goes on.
+/// Judges a gesture once, at its first movement, and keeps it on that axis however it goes on.
 class ScrollAxis {
   public:
     /// What this event does. Events without phases, as of a mouse wheel, are judged each alone.
@@ -28,6 +28,7 @@ class ScrollAxis {
 
   private:
     std::optional<ScrollMode> lockedScrollMode_;
+    bool owesJudgement_ = false;  // a gesture has begun and not moved yet
 };
 
 }  // namespace sonavault

@@ -35,7 +35,11 @@ double contentWidth(double clipWidth, double zoomMult) {
 }
 
 Box playheadFrame(DaySeconds playhead, double timelineWidth, double height) {
-    return {xAt(playhead, timelineWidth) - kPlayheadWidth / 2, 0, kPlayheadWidth, height};
+    constexpr double kHalf = kPlayheadWidth / 2;
+    const double x = xAt(playhead, timelineWidth);
+    // A damaged manifest may put the day's beginning anywhere, where no pixel is any more.
+    const double onAxis = std::isfinite(x) ? std::clamp(x - kHalf, -kHalf, timelineWidth) : -kHalf;
+    return {onAxis, 0, kPlayheadWidth, height};
 }
 
 std::vector<LaneLabelCell> layOutLaneLabels(const LaneSet& visible, double columnWidth,

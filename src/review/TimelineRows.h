@@ -52,7 +52,8 @@ TimelineRows layOutRows(const LaneSet& visible, const RowRoom& room);
 /// The width of the content at a zoom factor: never less than what is seen.
 double contentWidth(double clipWidth, double zoomMult);
 
-/// The playhead's line on an axis of `timelineWidth`, through rows of `height`.
+/// The playhead's line on an axis of `timelineWidth`, through rows of `height`. Beside the axis it
+/// stands at the nearer end of it, and for what is no number at midnight.
 Box playheadFrame(DaySeconds playhead, double timelineWidth, double height);
 
 /// A lane's cell in the column of labels.

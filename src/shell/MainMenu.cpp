@@ -27,6 +27,8 @@ QAction* addItem(QMenu& menu, const char* title, const QKeySequence& key,
     item->setShortcut(key);
     // Also while a window beside the main one, as that of the settings, is in front.
     item->setShortcutContext(Qt::ApplicationShortcut);
+    // A key held too long must not switch recording off again.
+    item->setAutoRepeat(false);
     // The texts must not make an item move into another menu, as some desktops do for a "Quit".
     item->setMenuRole(QAction::NoRole);
     QObject::connect(item, &QAction::triggered, item, [action] { action(); });
@@ -40,8 +42,8 @@ QAction* addCheckedItem(QMenu& menu, const QString& title, const std::function<v
     return item;
 }
 
-void addEditItem(QMenu& menu, const char* title, const QKeySequence& key, const char* slot) {
-    addItem(menu, title, key, [slot] { sendToFirstResponder(slot); });
+QAction* addEditItem(QMenu& menu, const char* title, const QKeySequence& key, const char* slot) {
+    return addItem(menu, title, key, [slot] { sendToFirstResponder(slot); });
 }
 
 void addApplicationMenu(QMenuBar& bar, const MainMenuActions& actions) {
@@ -53,8 +55,9 @@ void addApplicationMenu(QMenuBar& bar, const MainMenuActions& actions) {
 
 void addEditMenu(QMenuBar& bar) {
     QMenu& menu = *bar.addMenu(QStringLiteral("Edit"));
-    addEditItem(menu, "Undo", Qt::CTRL | Qt::Key_Z, "undo");
-    addEditItem(menu, "Redo", Qt::CTRL | Qt::SHIFT | Qt::Key_Z, "redo");
+    // Held down, these two go on step by step.
+    addEditItem(menu, "Undo", Qt::CTRL | Qt::Key_Z, "undo")->setAutoRepeat(true);
+    addEditItem(menu, "Redo", Qt::CTRL | Qt::SHIFT | Qt::Key_Z, "redo")->setAutoRepeat(true);
     menu.addSeparator();
     addEditItem(menu, "Cut", Qt::CTRL | Qt::Key_X, "cut");
     addEditItem(menu, "Copy", Qt::CTRL | Qt::Key_C, "copy");

@@ -145,7 +145,7 @@ void SonavaultViewController::tickDisplay() {
     timeline_.tickLiveRows();
     const double moment = now();
     review().days().liveRefreshTodayRowIfDue(moment);
-    exports_.schedule().tickDisplay();
+    exports_.schedule().tickDisplay(moment);
     station_.detectAndPublishRecordingStateTransition();
     station_.publishCurrentRecordingStateIfDue(moment);
 }

@@ -51,7 +51,12 @@ void TimelineDesk::renderTimeline() {
     layOutLogsTab();
     view_->showEmptyState(emptyStateText(allMarkers()).value_or(""));
     // Without a day there is no place for the clock to tell; with one, its markers may be others.
-    if (review_.day().loadedFileURL()) updatePlayheadVisuals();
+    const bool hasDay = review_.day().loadedFileURL().has_value();
+    if (hasDay)
+        updatePlayheadVisuals();
+    else if (hadDay_)
+        playhead_.showNoDay();
+    hadDay_ = hasDay;
 }
 
 void TimelineDesk::setStatusBarText(const std::string& text) {

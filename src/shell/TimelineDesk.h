@@ -152,6 +152,7 @@ class TimelineDesk final : private ReviewScreen,
     const RecordingFacts recording_;
     double actionBarHeight_;
     LaneMarkers laneMarkers_;
+    bool hadDay_ = false;  // when the timeline was last drawn anew
 
     ReviewDesk review_;
     Selections selections_;

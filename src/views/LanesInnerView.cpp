@@ -142,6 +142,7 @@ void LanesInnerView::mousePressEvent(QMouseEvent* event) {
     const Point place = toPoint(event->position());
     if (summaryBar_.frame().contains(place)) {
         draggingBar_ = true;
+        window()->installEventFilter(this);
         summaryBar_.mouseDown(place.x);
     } else {
         clickBareTimeline(place);
@@ -167,9 +168,16 @@ void LanesInnerView::mouseReleaseEvent(QMouseEvent* event) {
     endGesture();
 }
 
+bool LanesInnerView::eventFilter(QObject* watched, QEvent* event) {
+    // The dialog takes the release, and what is no longer held must not be deleted.
+    if (event->type() == QEvent::WindowBlocked) endGesture();
+    return QWidget::eventFilter(watched, event);
+}
+
 void LanesInnerView::endGesture() {
     if (!draggingBar_) return;
     draggingBar_ = false;
+    window()->removeEventFilter(this);
     summaryBar_.mouseUp();
 }
 

@@ -58,6 +58,7 @@ class LanesInnerView final : public QWidget, public HintedPlaces {
     TimelineHost& host() const { return host_; }
 
   protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;

@@ -1,5 +1,6 @@
 #include "views/LevelMeterView.h"
 
+#include <QPaintEvent>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -24,12 +25,12 @@ LevelMeterView::LevelMeterView(const QString& channel, QWidget* parent) : QWidge
 void LevelMeterView::setLevel(float level) {
     level_ = level;
     // Against what is on the screen, not the last value: a slow fade must not be missed for ever.
-    if (!isVisibleChange(shown_, level)) return;
-    shown_ = level;
-    update();
+    if (isVisibleChange(shown_, level)) update();
 }
 
-void LevelMeterView::paintEvent(QPaintEvent*) {
+void LevelMeterView::paintEvent(QPaintEvent* event) {
+    // A part drawn alone leaves the rest as it was.
+    if (event->rect().contains(rect())) shown_ = level_;
     const QRectF bar = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
     QPainterPath outline;
     outline.addRoundedRect(bar, width() / 2.0, width() / 2.0);
@@ -37,7 +38,7 @@ void LevelMeterView::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::Antialiasing);
     // Zones end at whole pixels, so that no ground shines through between them; only the outline
     // is smooth.
-    for (const MeterFill& each : meterFills(shown_)) {
+    for (const MeterFill& each : meterFills(level_)) {
         painter.setClipRect(fromBottom(bar, each.from, each.to));
         painter.fillPath(outline, toQColor(each.colour));
     }

@@ -24,7 +24,7 @@ class LevelMeterView final : public QWidget {
 
   private:
     float level_ = kSilenceDb;
-    float shown_ = kSilenceDb;  // what the bar was last drawn for
+    float shown_ = kSilenceDb;  // what the whole bar was last drawn for
 };
 
 }  // namespace sonavault

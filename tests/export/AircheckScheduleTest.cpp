@@ -46,6 +46,8 @@ class AircheckScheduleTest : public ExportFixture {
         finishExports();
     }
 
+    void tickDisplay() { schedule_.tickDisplay(secondsSince1970(clock_.now())); }
+
     std::filesystem::path outputFolder() const { return stationFolder() / "Logs/Airchecks"; }
 
     const ScopedTimeZone zone_{"Europe/Berlin"};
@@ -153,10 +155,20 @@ TEST_F(AircheckScheduleTest, runs_all_cards_that_are_due_from_the_cards_as_they_
 
 TEST_F(AircheckScheduleTest, compiles_whatever_day_is_under_review) {
     haveShow();
-    desk_.date = "2026-05-01";
+    const auto loaded = stationFolder() / "Logs/Audio/Sonavault_2026-05-01.mp3";
+    std::filesystem::rename(dayFile(), loaded);
+    std::filesystem::rename(dayFile("csv"), std::filesystem::path(loaded).replace_extension("csv"));
+    desk_.loaded = loaded;
+    // Today has its own sound and its own show.
+    writeFile(dayFile(), SyntheticMp3().frames(5000).bytes());
+    haveLog("00:02:00,mic_start,,0\n00:02:05,mic_end,,0\n");
     cards_ = {nightShow()};
     tick();
+    const std::string name = "Aircheck_Night_Live_2026-05-08_00-01.mp3";
+    EXPECT_EQ(readFile(outputFolder() / name), LiteralFrameWalk::cut(day_, {{52, 98}}));
     ASSERT_EQ(desk_.published.size(), 1u);
+    EXPECT_EQ(desk_.published[0].outputURL, outputFolder() / name);
+    EXPECT_EQ(desk_.published[0].totalDurationSec, 46);
     EXPECT_EQ(desk_.published[0].date, "2026-05-08");
 }
 
@@ -171,24 +183,35 @@ TEST_F(AircheckScheduleTest, keeps_a_segment_that_runs_over_the_windows_end_whol
 
 TEST_F(AircheckScheduleTest, looks_at_the_cards_every_thirty_seconds) {
     cards_ = {nightShow()};
-    schedule_.tickDisplay();
+    tickDisplay();
     EXPECT_EQ(desk_.status.size(), 1u);
     cards_[0].lastRunDate = "";
     clock_.advance(30);
-    schedule_.tickDisplay();
+    tickDisplay();
     EXPECT_EQ(desk_.status.size(), 1u);
     clock_.advance(0.05);
-    schedule_.tickDisplay();
+    tickDisplay();
+    EXPECT_EQ(desk_.status.size(), 2u);
+}
+
+TEST_F(AircheckScheduleTest, counts_the_thirty_seconds_in_the_ticks_own_moments) {
+    cards_ = {nightShow()};
+    schedule_.tickDisplay(1000);
+    ASSERT_EQ(desk_.status.size(), 1u);
+    cards_[0].lastRunDate = "";
+    schedule_.tickDisplay(1030);
+    EXPECT_EQ(desk_.status.size(), 1u);
+    schedule_.tickDisplay(1030.05);
     EXPECT_EQ(desk_.status.size(), 2u);
 }
 
 TEST_F(AircheckScheduleTest, goes_on_looking_at_the_cards_when_the_clock_was_set_back) {
     cards_ = {nightShow()};
-    schedule_.tickDisplay();
+    tickDisplay();
     ASSERT_EQ(desk_.status.size(), 1u);
     cards_[0].lastRunDate = "";
     clock_.advance(-60);
-    schedule_.tickDisplay();
+    tickDisplay();
     EXPECT_EQ(desk_.status.size(), 2u);
 }
 

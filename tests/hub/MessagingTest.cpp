@@ -32,6 +32,12 @@ class HubMessagingTest : public ClientFixture {
         hubSays(R"({"type":"reply","from":")" + from + R"(","ref":")" + id + R"(","payload":)" +
                 payload + "}");
     }
+    void tellTooLongAReplyTo(const std::string& id) {
+        hub().deliver(R"({"type":"reply","from":"Cadenzo","ref":")" + id + R"(","payload":{"x":")");
+        for (std::size_t said = 0; said <= LineSplitter::kMostBytesOfALine; said += 65'536)
+            hub().deliver(std::string(65'536, 'x'));
+        hub().deliver("\"}}\n");
+    }
 
     std::vector<QueryResult> results_;
     std::vector<PingResult> pings_;
@@ -384,11 +390,7 @@ TEST_F(HubMessagingTest, takes_a_recipients_error_for_its_answer) {
 TEST_F(HubMessagingTest, ends_by_its_timer_a_query_whose_answer_was_too_long_to_be_heard) {
     join();
     query(500);
-    const auto id = lastId();
-    hub().deliver(R"({"type":"reply","from":"Cadenzo","ref":")" + id + R"(","payload":{"x":")");
-    for (std::size_t said = 0; said <= LineSplitter::kMostBytesOfALine; said += 65'536)
-        hub().deliver(std::string(65'536, 'x'));
-    hub().deliver("\"}}\n");
+    tellTooLongAReplyTo(lastId());
     callbacks_.runAll();
     EXPECT_THAT(results_, IsEmpty());
     world_->advance(milliseconds(1000));
@@ -400,6 +402,20 @@ TEST_F(HubMessagingTest, ends_by_its_timer_a_query_whose_answer_was_too_long_to_
     takeSent();
     hubSays(R"({"type":"ping","from":"A","id":"next"})");
     EXPECT_EQ(sentOne()["ref"], "next");
+}
+
+TEST_F(HubMessagingTest, ends_with_its_connection_a_state_get_whose_answer_was_too_long) {
+    join();
+    stateGet();
+    tellTooLongAReplyTo(lastId());
+    world_->advance(std::chrono::hours(1));
+    callbacks_.runAll();
+    EXPECT_THAT(values_, IsEmpty());
+    EXPECT_TRUE(client_->currentState().is<State::Connected>());
+    hub().tell(Kind::failed, "Connection reset by peer");
+    callbacks_.runAll();
+    ASSERT_EQ(values_.size(), 1U);
+    EXPECT_EQ(std::get<SwitchboardError>(values_[0].outcome).hubErrorCode, "connection_lost");
 }
 
 TEST_F(HubMessagingTest, pings_with_exactly_the_given_limit) {

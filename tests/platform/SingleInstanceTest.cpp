@@ -9,6 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <memory>
 #include <sstream>
 #include <thread>
@@ -114,6 +115,17 @@ TEST_F(SingleInstanceIn, forces_an_older_copy_that_ignores_the_request) {
     instance_.takeOver(kPatience);
     EXPECT_EQ(older.endedBy(), SIGKILL);
     EXPECT_FALSE(isEntered(older.id()));
+}
+
+TEST_F(SingleInstanceIn, gives_an_older_copy_half_a_second_unless_told_otherwise) {
+    Child older(Child::Manner::ignoresRequests);
+    enter(older);
+    const auto begun = std::chrono::steady_clock::now();
+    instance_.takeOver();
+    const auto taken = std::chrono::steady_clock::now() - begun;
+    EXPECT_EQ(older.endedBy(), SIGKILL);
+    EXPECT_GE(taken, std::chrono::milliseconds(500));
+    EXPECT_LT(taken, std::chrono::seconds(2));
 }
 
 TEST_F(SingleInstanceIn, ends_every_older_copy) {

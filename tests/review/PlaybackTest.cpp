@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <limits>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -208,6 +209,23 @@ TEST_F(PlaybackTest, moves_the_playhead_with_the_wall_clock_though_nothing_is_he
     EXPECT_EQ(output_.plays, 1);
 }
 
+TEST_F(PlaybackTest, goes_on_from_the_playhead_when_the_clock_was_set_to_before_the_play_began) {
+    load();
+    playback_.startPlayback({kOffset + 10});
+    passAndTick(2);
+    clock_.advance(-3600);
+    playback_.advancePlayhead();
+    EXPECT_NEAR(day_.playheadSec(), kOffset + 12, 1e-6);
+    EXPECT_EQ(playback_.playStartHostTime(), secondsSince1970(clock_.now()));
+    passAndTick(5);
+    EXPECT_NEAR(day_.playheadSec(), kOffset + 17, 1e-6);
+    EXPECT_TRUE(playback_.isPlaying());
+    EXPECT_EQ(output_.plays, 1) << "the sound goes on undisturbed";
+    passAndTick(20);
+    EXPECT_FALSE(playback_.isPlaying());
+    EXPECT_EQ(day_.playheadSec(), kOffset + 36);
+}
+
 TEST_F(PlaybackTest, stops_with_the_playhead_exactly_at_the_end) {
     load();
     playback_.startPlayback({kOffset + 30});
@@ -251,6 +269,14 @@ TEST_F(PlaybackTest, jumps_no_further_than_the_ends_of_the_day) {
     EXPECT_EQ(day_.playheadSec(), 86399.99);
     playback_.jumpTo({-5});
     EXPECT_EQ(day_.playheadSec(), 0);
+}
+
+TEST_F(PlaybackTest, jumps_to_midnight_for_what_is_no_number) {
+    load();
+    playback_.jumpTo({std::numeric_limits<double>::quiet_NaN()});
+    EXPECT_EQ(day_.playheadSec(), 0);
+    playback_.jumpTo({std::numeric_limits<double>::infinity()});
+    EXPECT_EQ(day_.playheadSec(), 86399.99);
 }
 
 TEST_F(PlaybackTest, a_jump_while_stopped_moves_the_playhead_and_starts_nothing) {

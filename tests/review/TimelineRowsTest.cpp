@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "review/TimelineMapping.h"
 
 namespace sonavault::testing {
@@ -83,6 +85,15 @@ TEST(TimelineRows, the_content_is_never_narrower_than_what_is_seen) {
 TEST(TimelineRows, the_playhead_stands_with_its_middle_on_its_moment) {
     EXPECT_EQ(playheadFrame({43200}, 1000, 300), (Box{499, 0, 2, 300}));
     EXPECT_EQ(playheadFrame({0}, 1000, 300).x, -1);
+}
+
+TEST(TimelineRows, the_playhead_stays_beside_the_axis_however_far_it_is) {
+    EXPECT_EQ(playheadFrame({1e300}, 1000, 300), (Box{1000, 0, 2, 300}));
+    EXPECT_EQ(playheadFrame({-1e300}, 1000, 300), (Box{-1, 0, 2, 300}));
+    EXPECT_EQ(playheadFrame({86400}, 1000, 300).x, 999);
+    constexpr double kInfinite = std::numeric_limits<double>::infinity();
+    for (const double none : {std::numeric_limits<double>::quiet_NaN(), kInfinite, -kInfinite})
+        EXPECT_EQ(playheadFrame({none}, 1000, 300), (Box{-1, 0, 2, 300}));
 }
 
 TEST(LaneLabels, stand_in_the_middle_of_the_visible_lanes) {

@@ -193,6 +193,37 @@ TEST(ScrollAxis, a_gesture_that_begins_sideways_pans_however_it_goes_on) {
     EXPECT_EQ(axis.modeOf(going(0, 50)), ScrollMode::pan);
 }
 
+TEST(ScrollAxis, a_beginning_without_movement_leaves_the_axis_to_the_first_that_moves) {
+    ScrollAxis axis;
+    axis.modeOf(begun(0, 0));
+    EXPECT_EQ(axis.lockedScrollMode(), std::nullopt);
+    axis.modeOf(going(0, 0));
+    EXPECT_EQ(axis.lockedScrollMode(), std::nullopt);
+    EXPECT_EQ(axis.modeOf(going(-3, 2)), ScrollMode::pan);
+    EXPECT_EQ(axis.modeOf(going(0, 50)), ScrollMode::pan);
+    EXPECT_EQ(axis.modeOf(kFingersGone), ScrollMode::pan);
+
+    axis.modeOf(begun(0, 0));
+    EXPECT_EQ(axis.modeOf(going(2, 2)), ScrollMode::zoom);
+    EXPECT_EQ(axis.modeOf(going(90, 1)), ScrollMode::zoom);
+}
+
+TEST(ScrollAxis, a_gesture_without_movement_leaves_nothing_to_the_next) {
+    ScrollAxis axis;
+    axis.modeOf(begun(0, 0));
+    axis.modeOf(kFingersGone);
+    EXPECT_EQ(axis.modeOf({.deltaX = 40}), ScrollMode::pan);
+    EXPECT_EQ(axis.lockedScrollMode(), std::nullopt);
+    EXPECT_EQ(axis.modeOf({.deltaY = 40}), ScrollMode::zoom);
+}
+
+TEST(ScrollAxis, a_beginning_forgets_the_axis_of_a_gesture_whose_end_was_lost) {
+    ScrollAxis axis;
+    axis.modeOf(begun(9, 0));
+    axis.modeOf(begun(0, 0));
+    EXPECT_EQ(axis.modeOf(going(1, 9)), ScrollMode::zoom);
+}
+
 TEST(ScrollAxis, a_wheel_without_phases_is_judged_event_by_event) {
     ScrollAxis axis;
     EXPECT_EQ(axis.modeOf({.deltaY = 40}), ScrollMode::zoom);

@@ -30,6 +30,11 @@ class KeyMonitorTest : public ShellFixture {
     const std::vector<Selection>& selections() {
         return controller().timeline().selections().selections();
     }
+    void openAirchecks() {
+        QTest::mouseClick(root().findChild<QWidget*>(QStringLiteral("tabBar")), Qt::LeftButton, {},
+                          {220, 20});
+        ASSERT_EQ(root().activeTab(), "airchecks");
+    }
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
         QTest::keyClick(&root(), key, modifiers);
     }
@@ -51,6 +56,17 @@ TEST_F(KeyMonitorTest, moves_the_playhead) {
     EXPECT_EQ(playhead(), 36010);
     press(Qt::Key_Left, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(playhead(), 32400);
+}
+
+TEST_F(KeyMonitorTest, moves_the_playhead_by_hours_no_further_than_the_ends_of_the_day) {
+    controller().review().playback().jumpTo({1800});
+    for (int again = 0; again < 2; ++again) {
+        press(Qt::Key_Left, Qt::ControlModifier);
+        EXPECT_EQ(playhead(), 0);
+    }
+    controller().review().playback().jumpTo({23 * 3600 + 900});
+    press(Qt::Key_Right, Qt::ControlModifier);
+    EXPECT_DOUBLE_EQ(playhead(), 86'400 - 0.01);
 }
 
 TEST_F(KeyMonitorTest, plays_and_stops) {
@@ -139,10 +155,24 @@ TEST_F(KeyMonitorTest, takes_the_recording_shortcut_before_the_menu_and_only_onc
     EXPECT_FALSE(isRecording());
 }
 
+TEST_F(KeyMonitorTest, toggles_once_however_long_the_recording_shortcut_is_held) {
+    for (const bool airchecks : {false, true}) {
+        if (airchecks) openAirchecks();
+        ASSERT_FALSE(isRecording());
+        QTest::keyPress(&root(), Qt::Key_R, Qt::ControlModifier);
+        EXPECT_TRUE(isRecording()) << airchecks;
+        for (int again = 0; again < 3; ++again) {
+            QTest::simulateEvent(&root(), true, Qt::Key_R, Qt::ControlModifier, "", true);
+            EXPECT_TRUE(isRecording()) << airchecks;
+        }
+        QTest::keyRelease(&root(), Qt::Key_R, Qt::ControlModifier);
+        press(Qt::Key_R, Qt::ControlModifier);
+        EXPECT_FALSE(isRecording()) << airchecks;
+    }
+}
+
 TEST_F(KeyMonitorTest, leaves_the_airchecks_tab_its_keys) {
-    QTest::mouseClick(root().findChild<QWidget*>(QStringLiteral("tabBar")), Qt::LeftButton, {},
-                      {220, 20});
-    ASSERT_EQ(root().activeTab(), "airchecks");
+    openAirchecks();
     press(Qt::Key_Space);
     EXPECT_FALSE(controller().review().playback().isPlaying());
 }

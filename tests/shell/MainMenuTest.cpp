@@ -104,6 +104,14 @@ TEST_F(MainMenuTest, gives_check_marks_to_the_sources_and_the_auto_resume_only) 
                                                    "Auto-resume Recording on Launch"}));
 }
 
+TEST_F(MainMenuTest, repeats_for_a_held_key_only_what_goes_back_and_forth) {
+    std::vector<std::string> repeated;
+    for (const QAction* each : bar_->findChildren<QAction*>())
+        if (!each->shortcut().isEmpty() && each->autoRepeat())
+            repeated.push_back(each->text().toStdString());
+    EXPECT_EQ(repeated, (std::vector<std::string>{"Undo", "Redo"}));
+}
+
 TEST_F(MainMenuTest, sends_each_item_to_its_own_action) {
     for (const auto* title :
          {"About Sonavault", "Quit Sonavault", "Start / Stop Recording", "Open Last Recording"})

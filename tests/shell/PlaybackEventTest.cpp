@@ -61,6 +61,11 @@ TEST(PlaybackEvent, tells_cause_duration_and_resumption_in_its_label) {
               "Cadenzo paused — 30.0s — resumeAt=15:00");
 }
 
+TEST(PlaybackEvent, copies_the_cause_into_its_label_as_it_stands) {
+    EXPECT_EQ(labelOf({{"state", "paused"}, {"cause", "by \"Ann\",\nat noon"}}),
+              "Cadenzo paused — by \"Ann\",\nat noon");
+}
+
 TEST(PlaybackEvent, shows_only_the_first_of_two_durations) {
     EXPECT_EQ(labelOf({{"state", "silence"}, {"silenceDurationSec", 12}, {"durationSec", 99}}),
               "Cadenzo dead-air start — 12.0s");

@@ -82,6 +82,32 @@ TEST_F(TimelineDeskTest, follows_the_markers_of_the_day_that_is_loaded) {
     EXPECT_EQ(text("nowPlayingLabel"), "Now playing: Stopset — News");
 }
 
+TEST_F(TimelineDeskTest, tells_no_longer_of_the_day_before_one_that_cannot_be_opened) {
+    haveDay("2026-03-01");
+    launch();
+    writeFile(fileOf("2026-02-28", "mp3"), "");
+    controller().review().days().reloadDailyRecordings();
+    playback().jumpTo({36'035});
+    ASSERT_EQ(text("nowPlayingLabel"), "Now playing: Stopset — Spots");
+    controller().review().day().selectAndLoadRecording("2026-02-28");
+    ASSERT_FALSE(controller().review().day().loadedFileURL());
+    EXPECT_EQ(clock(), "00:00:00");
+    EXPECT_EQ(text("nowPlayingLabel"), "Now playing: music / programming");
+    controller().review().day().selectAndLoadRecording("2026-03-01");
+    EXPECT_EQ(clock(), "10:00:00");
+}
+
+TEST_F(TimelineDeskTest, tells_no_longer_of_the_only_day_once_it_is_deleted) {
+    haveDay("2026-03-01");
+    launch();
+    playback().jumpTo({36'035});
+    ASSERT_EQ(text("nowPlayingLabel"), "Now playing: Stopset — Spots");
+    controller().review().days().deleteRecording(*controller().review().days().rowOf("2026-03-01"));
+    ASSERT_FALSE(controller().review().day().loadedFileURL());
+    EXPECT_EQ(clock(), "00:00:00");
+    EXPECT_EQ(text("nowPlayingLabel"), "Now playing: music / programming");
+}
+
 TEST_F(TimelineDeskTest, carries_three_ranges_over_to_another_day_with_their_undo) {
     haveDay("2026-02-28");
     haveDay("2026-03-01");

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QAccessible>
+#include <QDialog>
 
 #include "views/Pointer.h"
 #include "views/TimelineWindow.h"
@@ -30,6 +31,12 @@ class LanesInnerViewTest : public ::testing::Test {
     static QPointF inBar(double x) { return {x, kBar + 25}; }
 
     LanesInnerView& view() { return window_.inner(); }
+    /// A dialog opens in front of the window, and is closed again.
+    static void showAlert() {
+        QDialog alert;
+        alert.setModal(true);
+        alert.show();
+    }
     Selection selection(std::size_t index) { return window_.chosen.selections().at(index); }
     std::size_t count() { return window_.chosen.selections().size(); }
 
@@ -170,6 +177,30 @@ TEST_F(LanesInnerViewTest, a_long_press_deletes_a_selection) {
     EXPECT_THAT(window_.jumps, IsEmpty());
 }
 
+TEST_F(LanesInnerViewTest, a_press_that_an_alert_interrupts_deletes_nothing) {
+    window_.chosen.append({8000}, {16000});
+    pointer_.press(inBar(150));
+    window_.timers.pass(0.3);
+    showAlert();
+    pointer_.loseRelease();
+    window_.timers.pass(10);
+    EXPECT_EQ(count(), 1U);
+
+    pointer_.press(inBar(150));
+    window_.timers.pass(0.61);
+    EXPECT_EQ(count(), 0U) << "the next press is one like any other";
+}
+
+TEST_F(LanesInnerViewTest, a_drag_that_an_alert_interrupts_ends_where_it_is) {
+    pointer_.press(inBar(200));
+    pointer_.move(inBar(100));
+    showAlert();
+    EXPECT_EQ(selection(0).startSec, 8000);
+    EXPECT_EQ(selection(0).endSec, 16000);
+    pointer_.move(inBar(400));
+    EXPECT_EQ(selection(0).endSec, 16000);
+}
+
 TEST_F(LanesInnerViewTest, a_drag_whose_release_was_lost_ends_at_the_next_move) {
     pointer_.press(inBar(200));
     pointer_.move(inBar(100));
@@ -205,6 +236,15 @@ TEST_F(LanesInnerViewTest, the_playheads_line_goes_through_all_rows) {
     window_.playhead = 43200;
     window_.layOutLogsTab();
     EXPECT_EQ(view().playheadFrame(), (Box{539, 0, 2, 682}));
+}
+
+TEST_F(LanesInnerViewTest, a_playhead_beyond_all_days_stands_at_the_end_of_the_axis) {
+    for (const double damaged : {1e300, -1e300}) {
+        window_.playhead = damaged;
+        window_.layOutLogsTab();
+        EXPECT_EQ(view().playheadFrame().x, damaged > 0 ? 1080 : -1);
+        view().grab();
+    }
 }
 
 /// What a screen reader may ask, once there is one.

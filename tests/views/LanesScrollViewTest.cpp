@@ -184,6 +184,23 @@ TEST_F(LanesScrollViewTest, a_gesture_that_begins_sideways_never_zooms) {
     EXPECT_GT(factor(), 24);
 }
 
+TEST_F(LanesScrollViewTest, a_gesture_whose_beginning_has_no_direction_goes_where_it_first_moves) {
+    window_.haveZoom(2);
+    window_.view.scrollTo(5000);
+    pointer_.swipe(kMiddle, {.phase = Qt::ScrollBegin});
+    pointer_.swipe(kMiddle, {.pixels = {-3, 2}, .phase = Qt::ScrollUpdate});
+    EXPECT_EQ(scrollX(), 5003);
+    pointer_.swipe(kMiddle, {.pixels = {-2, 40}, .phase = Qt::ScrollUpdate});
+    EXPECT_EQ(scrollX(), 5005);
+    EXPECT_EQ(factor(), 24);
+    pointer_.swipe(kMiddle, {.phase = Qt::ScrollEnd});
+
+    pointer_.swipe(kMiddle, {.phase = Qt::ScrollBegin});
+    pointer_.swipe(kMiddle, {.pixels = {2, 10}, .phase = Qt::ScrollUpdate});
+    pointer_.swipe(kMiddle, {.pixels = {90, 10}, .phase = Qt::ScrollUpdate});
+    EXPECT_NEAR(factor(), 24 * std::exp(0.1), 1e-9);
+}
+
 TEST_F(LanesScrollViewTest, a_wheel_over_the_content_reaches_the_view) {
     turnWheelAt(kMiddle.toPoint());
     EXPECT_NEAR(factor(), std::exp(0.2), 1e-12);

@@ -112,6 +112,21 @@ TEST_F(LevelMeterTest, draws_anew_only_for_what_can_be_seen) {
     EXPECT_EQ(paints.take(), 1);
 }
 
+TEST_F(LevelMeterTest, shows_the_level_of_the_moment_at_which_it_is_drawn) {
+    // So high that a change too small for any real meter is several points of it.
+    meter_.resize(12, 6001);
+    meter_.setLevel(-30);
+    const auto highestLit = [this] {
+        const QImage image = meter_.grab().toImage();
+        int y = 0;
+        while (y < image.height() && image.pixelColor(6, y) != kLitMain) ++y;
+        return y;
+    };
+    const int before = highestLit();
+    meter_.setLevel(-30.04F);
+    EXPECT_EQ(highestLit(), before + 4);
+}
+
 TEST_F(LevelMeterTest, does_not_miss_a_slow_fade) {
     meter_.setLevel(-20);
     meter_.show();
