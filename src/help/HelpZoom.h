@@ -29,6 +29,9 @@ struct HelpZoom {
                 return false;
         }
     }
+
+    /// The same of a key by its number in Qt, which for these is their character.
+    bool followKey(int key) { return key > 0 && key < 0x80 && follow(static_cast<char32_t>(key)); }
 };
 
 }  // namespace sonavault

@@ -14,10 +14,6 @@ namespace {
 
 constexpr QSize kContentSize{880, 660};
 
-char32_t charactersIgnoringModifiers(const QKeyEvent& event) {
-    return event.key() < 0x80 ? static_cast<char32_t>(event.key()) : 0;
-}
-
 }  // namespace
 
 SonavaultHelpWindow::SonavaultHelpWindow() : helpWebView_(new QWebEngineView(this)) {
@@ -40,7 +36,6 @@ SonavaultHelpWindow::~SonavaultHelpWindow() {
 
 void SonavaultHelpWindow::load(const QUrl& address) {
     address_ = address;
-    showsFallback_ = false;
     helpWebView_->load(address);
 }
 
@@ -56,7 +51,7 @@ bool SonavaultHelpWindow::eventFilter(QObject* watched, QEvent* event) {
     if (static_cast<QWidget*>(watched)->window() != this) return false;
     const auto* key = static_cast<const QKeyEvent*>(event);
     if (!key->modifiers().testFlag(Qt::ControlModifier)) return false;
-    if (!zoom_.follow(charactersIgnoringModifiers(*key))) return false;
+    if (!zoom_.followKey(key->key())) return false;
     helpWebView_->setZoomFactor(zoom_.zoomLevel);
     return true;
 }
@@ -67,14 +62,14 @@ void SonavaultHelpWindow::resizeEvent(QResizeEvent*) {
 
 void SonavaultHelpWindow::loadingChanged(const QWebEngineLoadingInfo& info) {
     if (info.status() != QWebEngineLoadingInfo::LoadFailedStatus) return;
+    // The page that stands in for another has none to stand in for it.
+    if (info.url().scheme() == QStringLiteral("data")) return;
     // The site did answer, with a page that says what is amiss.
     if (info.errorDomain() == QWebEngineLoadingInfo::HttpStatusCodeDomain) return;
     loadFallbackPage(info.errorString());
 }
 
 void SonavaultHelpWindow::loadFallbackPage(const QString& error) {
-    if (showsFallback_) return;
-    showsFallback_ = true;
     const std::string site = helpSite(address_.toString().toStdString());
     helpWebView_->setHtml(QString::fromStdString(fallbackPage(site, error.toStdString())));
 }

@@ -36,7 +36,6 @@ class SonavaultHelpWindow final : public QWidget {
     QWebEngineView* helpWebView_;
     HelpZoom zoom_;
     QUrl address_;
-    bool showsFallback_ = false;
 };
 
 }  // namespace sonavault

@@ -11,7 +11,6 @@ namespace sonavault {
 namespace {
 
 const QString kProgram = QStringLiteral("sonavault-help");
-constexpr QSize kOfflineSize{880, 660};
 constexpr int kPatience = 1000;  // Units: milliseconds
 
 QString findProgram() {
@@ -94,18 +93,9 @@ void HelpLauncher::openElsewhere(const QString& error) {
 
 void HelpLauncher::showOfflinePage(const QString& error) {
     if (!offlinePage_) {
-        offlinePage_ = new QTextBrowser;
-        offlinePage_->setAttribute(Qt::WA_DeleteOnClose);
-        offlinePage_->setAttribute(Qt::WA_QuitOnClose, false);
-        offlinePage_->setWindowTitle(QStringLiteral("Sonavault Help"));
-        offlinePage_->resize(kOfflineSize);
-        offlinePage_->setFrameShape(QFrame::NoFrame);
-        QPalette colours = offlinePage_->palette();
-        colours.setColor(QPalette::Base, QColor(0xf5, 0xf5, 0xf5));
-        offlinePage_->setPalette(colours);
-        offlinePage_->document()->setDocumentMargin(60);
         const std::string site = helpSite(services_.address.toString().toStdString());
-        offlinePage_->setHtml(QString::fromStdString(fallbackPage(site, error.toStdString())));
+        offlinePage_ =
+            new OfflineHelpPage(QString::fromStdString(fallbackPage(site, error.toStdString())));
     }
     offlinePage_->show();
     offlinePage_->raise();

@@ -3,10 +3,11 @@
 #include <QPointer>
 #include <QProcess>
 #include <QString>
-#include <QTextBrowser>
 #include <QUrl>
 #include <functional>
 #include <memory>
+
+#include "shell/OfflineHelpPage.h"
 
 namespace sonavault {
 
@@ -41,7 +42,7 @@ class HelpLauncher {
     bool isRunning() const;
 
     /// The page that says that there is no help, while it is open.
-    QTextBrowser* offlinePage() const { return offlinePage_; }
+    OfflineHelpPage* offlinePage() const { return offlinePage_; }
 
   private:
     void start();
@@ -53,7 +54,7 @@ class HelpLauncher {
     std::unique_ptr<QProcess> process_;
     bool wasShown_ = false;
     bool isRaiseAnswered_ = true;
-    QPointer<QTextBrowser> offlinePage_;
+    QPointer<OfflineHelpPage> offlinePage_;
 };
 
 }  // namespace sonavault

@@ -59,6 +59,9 @@ SVSettingsWindowController::SVSettingsWindowController(Preferences& preferences)
     refreshLabels();
     QObject::connect(slider_, &QSlider::valueChanged, window_.get(),
                      [this](int value) { sliderChanged(value); });
+    // Who takes the knob and lets it go where it stood has chosen that level as well.
+    QObject::connect(slider_, &QSlider::sliderReleased, window_.get(),
+                     [this] { sliderChanged(slider_->value()); });
     centre();
 }
 

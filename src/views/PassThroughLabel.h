@@ -4,7 +4,8 @@
 
 namespace sonavault {
 
-/// A text in up to two lines over something else, which goes on taking the pointer's events.
+/// A text in up to two lines over something else, which goes on taking the pointer's events. Where
+/// two do not hold it the second ends in "…"; a screen reader has all of it.
 ///
 /// Thread: main.
 class PassThroughLabel final : public QLabel {
@@ -13,6 +14,12 @@ class PassThroughLabel final : public QLabel {
 
     /// Without a text it is hidden.
     void showText(const QString& text);
+
+    /// What is seen of it at the present width.
+    QStringList visibleLines() const;
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
 };
 
 }  // namespace sonavault

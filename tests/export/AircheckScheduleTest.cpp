@@ -5,6 +5,7 @@
 #include "export/ExportFixture.h"
 #include "export/LiteralFrameWalk.h"
 #include "support/ManualClock.h"
+#include "support/Moments.h"
 #include "support/ScopedTimeZone.h"
 
 namespace sonavault::testing {
@@ -18,9 +19,7 @@ using ::testing::IsEmpty;
 class AircheckScheduleTest : public ExportFixture {
   protected:
     static WallTime moment(const std::string& clock, const std::string& date = "2026-05-08") {
-        WallTime found;
-        EXPECT_TRUE(parseIso8601WithFraction(date + "T" + clock + ".000+02:00", found));
-        return found;
+        return at(date + "T" + clock + ".000+02:00");
     }
 
     /// A card for the first two hours of every day.

@@ -68,6 +68,18 @@ TEST_F(SelectionExportTest, lists_several_in_order_of_time_and_counts_overlaps_t
     EXPECT_EQ(readFile(home_ / "cut.mp3"), LiteralFrameWalk::cut(day_, {{10, 100}}));
 }
 
+TEST_F(SelectionExportTest, counts_the_selections_that_there_are_when_the_panel_closes) {
+    loadDay(200);
+    desk_.chosen = {selection(0, 90)};
+    desk_.whileChoosing = [this] { desk_.chosen.push_back(selection(100, 110)); };
+    exportTo(home_ / "cut.mp3");
+    ASSERT_EQ(desk_.alerts.size(), 2u);
+    EXPECT_EQ(desk_.alerts[0].message, "Save 1 selection into a single file");
+    EXPECT_TRUE(desk_.alerts[1].information.starts_with("Wrote 2 selections (total 00:01:30)"))
+        << desk_.alerts[1].information;
+    EXPECT_EQ(readFile(home_ / "cut.mp3"), LiteralFrameWalk::cut(day_, {{0, 90}, {100, 110}}));
+}
+
 TEST_F(SelectionExportTest, shows_the_file_when_asked_to_and_not_otherwise) {
     loadDay(100);
     desk_.chosen = {selection(1, 2)};

@@ -46,6 +46,15 @@ TEST(HelpZoom, goes_back_to_one) {
     EXPECT_EQ(zoom.zoomLevel, 1.0);
 }
 
+TEST(HelpZoom, knows_the_numbers_of_its_keys) {
+    constexpr int kKeyF1 = 0x01000030;
+    HelpZoom zoom;
+    EXPECT_TRUE(zoom.followKey('='));
+    EXPECT_EQ(zoom.zoomLevel, 1.0 + 0.1);
+    for (const int key : {0, -1, int{'a'}, 0x80, kKeyF1}) EXPECT_FALSE(zoom.followKey(key));
+    EXPECT_EQ(zoom.zoomLevel, 1.0 + 0.1);
+}
+
 TEST(HelpZoom, leaves_all_other_keys_alone) {
     HelpZoom zoom{1.5};
     for (const char32_t key : {U'1', U'a', U' ', U'\0', U'_'}) EXPECT_FALSE(zoom.follow(key));

@@ -39,6 +39,11 @@ class SonavaultHelpWindowTest : public ::testing::Test {
         return QTest::qWaitFor([&] { return text().contains(part); }, kPatience);
     }
 
+    /// A page that gives way to another may never answer for its text.
+    bool waitForTitle(const QString& title) {
+        return QTest::qWaitFor([&] { return window_->helpWebView().title() == title; }, kPatience);
+    }
+
     /// To the page, which has the keyboard.
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers) {
         QWidget* page = window_->helpWebView().focusProxy();
@@ -79,6 +84,17 @@ TEST_F(SonavaultHelpWindowTest, shows_its_own_page_when_the_load_fails) {
     EXPECT_TRUE(shown.contains("ERR_")) << shown.toStdString();
     EXPECT_EQ(window.helpWebView().title(), "Sonavault Help");
     EXPECT_TRUE(window.isVisible());
+}
+
+TEST_F(SonavaultHelpWindowTest, shows_its_own_page_at_each_load_that_fails) {
+    auto& window = open(kRefused);
+    ASSERT_TRUE(waitForTitle("Sonavault Help"));
+    // As a link in a page does, and not as a click on the help button.
+    window.helpWebView().load(localPage());
+    ASSERT_TRUE(waitForTitle("A"));
+    window.helpWebView().load(kRefused);
+    ASSERT_TRUE(waitForTitle("Sonavault Help"));
+    EXPECT_TRUE(waitForText("Help is currently unavailable"));
 }
 
 TEST_F(SonavaultHelpWindowTest, zooms_with_the_command_key) {
@@ -139,11 +155,14 @@ class SonavaultHelpProgramTest : public ::testing::Test {
 TEST_F(SonavaultHelpProgramTest, says_when_it_is_shown_and_ends_with_whoever_started_it) {
     ASSERT_TRUE(process_.waitForReadyRead(kPatience)) << process_.errorString().toStdString();
     EXPECT_EQ(process_.readAllStandardOutput(), "shown\n");
-    process_.write("raise\nwhatever\n");
-    ASSERT_TRUE(process_.waitForBytesWritten(kPatience));
+    process_.write("whatever\nraise\n");
+    ASSERT_TRUE(process_.waitForReadyRead(kPatience)) << process_.errorString().toStdString();
+    EXPECT_EQ(process_.readAllStandardOutput(), "raised\n");
     EXPECT_EQ(process_.state(), QProcess::Running);
+    process_.write("whatever\n");
     process_.closeWriteChannel();
     ASSERT_TRUE(process_.waitForFinished(kPatience));
+    EXPECT_EQ(process_.readAllStandardOutput(), "") << "it answers to nothing else";
     EXPECT_EQ(process_.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(process_.exitCode(), 0);
 }

@@ -3,15 +3,14 @@
 #include <string>
 
 #include "platform/LocalTime.h"
+#include "support/Moments.h"
 #include "support/ScopedTimeZone.h"
 
 namespace sonavault::testing {
 namespace {
 
 std::string startAfter(const std::string& utc) {
-    WallTime moment;
-    EXPECT_TRUE(parseIso8601WithFraction(utc, moment)) << utc;
-    return iso8601WithMilliseconds(startOfNextLocalDay(moment));
+    return iso8601WithMilliseconds(startOfNextLocalDay(at(utc)));
 }
 
 TEST(NextLocalDay, begins_at_local_midnight) {
@@ -32,8 +31,7 @@ TEST(NextLocalDay, comes_after_23_and_25_hours_where_the_clocks_change) {
 TEST(NextLocalDay, begins_after_the_gap_where_midnight_is_skipped) {
     const ScopedTimeZone zone("Asia/Beirut");  // 2024-03-31 begins at 01:00
     EXPECT_EQ(startAfter("2024-03-30T12:00:00.000Z"), "2024-03-30T22:00:00.000Z");
-    WallTime start;
-    ASSERT_TRUE(parseIso8601WithFraction("2024-03-30T22:00:00.000Z", start));
+    const WallTime start = at("2024-03-30T22:00:00.000Z");
     EXPECT_EQ(localTime(start).hour, 1);
     EXPECT_EQ(localTime(start).day, 31);
 }

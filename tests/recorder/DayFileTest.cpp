@@ -7,6 +7,7 @@
 namespace sonavault {
 namespace {
 
+using testing::at;
 using testing::readFile;
 using testing::writeFile;
 

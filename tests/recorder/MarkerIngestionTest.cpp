@@ -8,6 +8,7 @@
 namespace sonavault {
 namespace {
 
+using testing::at;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 

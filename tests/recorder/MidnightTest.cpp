@@ -13,6 +13,7 @@
 namespace sonavault {
 namespace {
 
+using testing::at;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -46,8 +47,7 @@ class Midnight : public testing::RecorderFixture {
     }
     /// Where the file in hand stands against the clock. Units: frames, positive when behind
     double drift(const std::string& date) const {
-        WallTime start;
-        EXPECT_TRUE(parseIso8601WithFraction(manifest(date).startedAtIso8601.value_or(""), start));
+        const WallTime start = at(manifest(date).startedAtIso8601.value_or(""));
         return secondsBetween(start, clock_.now()) * 22050 - static_cast<double>(framesWritten());
     }
 };

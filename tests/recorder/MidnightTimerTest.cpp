@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/LocalTime.h"
 #include "support/ManualTimers.h"
+#include "support/Moments.h"
 #include "support/RecordedLog.h"
 #include "support/ScopedTimeZone.h"
 
@@ -13,12 +13,6 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-WallTime at(const std::string& utc) {
-    WallTime moment;
-    EXPECT_TRUE(parseIso8601WithFraction(utc, moment)) << utc;
-    return moment;
-}
 
 TEST(IsDayOver, holds_from_one_second_after_midnight_on) {
     const ScopedTimeZone zone("Europe/Berlin");

@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "platform/LocalTime.h"
 #include "recorder/SVRecorder.h"
 #include "store/RecordingManifest.h"
 #include "support/ManualClock.h"
 #include "support/ManualQueue.h"
 #include "support/ManualTimers.h"
+#include "support/Moments.h"
 #include "support/RecordedLog.h"
 #include "support/ScopedTimeZone.h"
 #include "support/TempFolder.h"
@@ -102,12 +102,6 @@ class RecorderFixture : public ::testing::Test {
     RecorderFixture() {
         std::filesystem::create_directories(stationPath());
         makeRecorder();
-    }
-
-    static WallTime at(const std::string& utc) {
-        WallTime moment;
-        EXPECT_TRUE(parseIso8601WithFraction(utc, moment)) << utc;
-        return moment;
     }
 
     /// As after a crash or a new launch: nothing is carried over but what is on disk.

@@ -7,6 +7,8 @@
 namespace sonavault {
 namespace {
 
+using testing::at;
+
 /// What a line says behind `label`, as a number.
 double numberIn(const std::string& line, const std::string& label) {
     const auto at = line.find(label);

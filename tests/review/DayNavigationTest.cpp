@@ -5,7 +5,7 @@
 namespace sonavault::testing {
 namespace {
 
-class Desk final : public DayNavigationHost {
+class FakeDayNavigationHost final : public DayNavigationHost {
   public:
     DaySeconds playheadSec() const override { return playhead; }
     const std::vector<Marker>& allMarkers() const override { return markers; }
@@ -19,19 +19,19 @@ class Desk final : public DayNavigationHost {
 class DayNavigationTest : public ::testing::Test {
   protected:
     void haveMarkers(std::initializer_list<double> times) {
-        for (const double time : times) desk_.markers.push_back({.type = "vt", .timeSec = time});
+        for (const double time : times) host_.markers.push_back({.type = "vt", .timeSec = time});
     }
     /// Where the jump from `playhead` led; nothing when it led nowhere.
     std::optional<double> markerFromHere(double playhead, int direction) {
-        desk_.playhead = {playhead};
-        desk_.jumps.clear();
+        host_.playhead = {playhead};
+        host_.jumps.clear();
         navigation_.jumpToMarker(direction);
-        if (desk_.jumps.empty()) return std::nullopt;
-        return desk_.jumps.front();
+        if (host_.jumps.empty()) return std::nullopt;
+        return host_.jumps.front();
     }
 
-    Desk desk_;
-    DayNavigation navigation_{desk_};
+    FakeDayNavigationHost host_;
+    DayNavigation navigation_{host_};
 };
 
 TEST_F(DayNavigationTest, finds_the_next_and_the_previous_marker_in_any_order_of_the_list) {
@@ -68,21 +68,21 @@ TEST_F(DayNavigationTest, takes_any_direction_but_an_upward_one_for_back) {
 }
 
 TEST_F(DayNavigationTest, goes_to_full_hours_away_from_the_one_under_the_playhead) {
-    desk_.playhead = {10.5 * 3600};
+    host_.playhead = {10.5 * 3600};
     navigation_.jumpRelativeHour(-1);
     navigation_.jumpRelativeHour(1);
-    desk_.playhead = {1800};
+    host_.playhead = {1800};
     navigation_.jumpRelativeHour(-1);
-    desk_.playhead = {23.5 * 3600};
+    host_.playhead = {23.5 * 3600};
     navigation_.jumpRelativeHour(1);
-    EXPECT_EQ(desk_.jumps, (std::vector<double>{9 * 3600, 11 * 3600, -3600, 86400}));
+    EXPECT_EQ(host_.jumps, (std::vector<double>{9 * 3600, 11 * 3600, -3600, 86400}));
 }
 
 TEST_F(DayNavigationTest, goes_some_seconds_from_the_playhead) {
-    desk_.playhead = {100};
+    host_.playhead = {100};
     navigation_.jumpRelative(-10);
     navigation_.jumpRelative(10);
-    EXPECT_EQ(desk_.jumps, (std::vector<double>{90, 110}));
+    EXPECT_EQ(host_.jumps, (std::vector<double>{90, 110}));
 }
 
 }  // namespace

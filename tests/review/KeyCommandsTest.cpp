@@ -98,7 +98,7 @@ TEST(KeyCommands, anything_else_passes) {
 }
 
 /// Notes down what it was asked for.
-class Desk final : public KeyCommandHost {
+class FakeKeyCommandHost final : public KeyCommandHost {
   public:
     void togglePlayback() override { calls.emplace_back("play"); }
     void jumpToMarker(int direction) override { note("marker", direction); }
@@ -121,16 +121,16 @@ class Desk final : public KeyCommandHost {
 };
 
 TEST(KeyCommands, each_command_does_one_thing) {
-    Desk desk;
+    FakeKeyCommandHost host;
     for (const auto command :
          {togglePlayback, previousHour, nextHour, tenSecondsBack, tenSecondsOn, previousMarker,
           nextMarker, markSelectionStart, markSelectionEnd, undoLastChange, clearAllSelections,
           exportSelections, exportAircheck, toggleRecording})
-        perform(command, desk);
+        perform(command, host);
     const std::vector<std::string> expected{
         "play",  "hour -1", "hour 1", "seconds -10", "seconds 10", "marker -1", "marker 1",
         "start", "end",     "undo",   "clear",       "export",     "aircheck",  "record"};
-    EXPECT_EQ(desk.calls, expected);
+    EXPECT_EQ(host.calls, expected);
 }
 
 }  // namespace

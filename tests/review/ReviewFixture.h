@@ -7,12 +7,12 @@
 #include <utility>
 #include <vector>
 
-#include "platform/LocalTime.h"
 #include "review/LoadedDay.h"
 #include "review/Playback.h"
 #include "store/DayListHost.h"
 #include "support/ManualClock.h"
 #include "support/ManualQueue.h"
+#include "support/Moments.h"
 #include "support/RecordedLog.h"
 #include "support/ScopedTimeZone.h"
 #include "support/SyntheticMp3.h"
@@ -70,12 +70,6 @@ class FakeWindow final : public LoadedDayHost,
 /// A station on the afternoon of Friday, 8 May 2026.
 class ReviewFixture : public ::testing::Test {
   protected:
-    static WallTime afternoon() {
-        WallTime moment;
-        EXPECT_TRUE(parseIso8601WithFraction("2026-05-08T14:00:00.000Z", moment));
-        return moment;
-    }
-
     std::filesystem::path fileOf(const std::string& date, const std::string& suffix = "mp3") const {
         return folder_ / ("Sonavault_" + date + "." + suffix);
     }
@@ -113,7 +107,7 @@ class ReviewFixture : public ::testing::Test {
     const ScopedTimeZone zone_{"Europe/Berlin"};
     TempFolder home_;
     RecordedLog log_;
-    ManualClock clock_{afternoon()};
+    ManualClock clock_{at("2026-05-08T14:00:00.000Z")};
     ManualQueue mainQueue_;
     FakeWindow window_;
     const StationFolder station_{home_.path(), Preferences(home_ / "shared.conf")};

@@ -5,7 +5,6 @@
 
 #include "shell/ShellFixture.h"
 #include "store/MarkerLogWriter.h"
-#include "support/SyntheticMp3.h"
 
 namespace sonavault::testing {
 namespace {
@@ -13,14 +12,11 @@ namespace {
 class ExportDeskTest : public ShellFixture {
   protected:
     ExportDeskTest() {
-        std::filesystem::create_directories(day_.parent_path());
         // 360 s from 10:00:00.
-        writeFile(day_, SyntheticMp3().frames(10'000).bytes());
-        writeFile(std::filesystem::path(day_).replace_extension("json"),
-                  R"({"version": 1, "start_offset_sec": 36000})");
-        writeFile(std::filesystem::path(day_).replace_extension("csv"),
-                  kMarkerLogHeader + markerRow("10:01:00", "mic_start", "News", 0) +
-                      markerRow("10:02:00", "mic_end", "News", 0));
+        haveDay("2026-03-01", {.frames = 10'000,
+                               .log = markerRow("10:01:00", "mic_start", "News", 0) +
+                                      markerRow("10:02:00", "mic_end", "News", 0),
+                               .startOffsetSec = 36'000});
     }
 
     void select(double from, double to) {
@@ -37,8 +33,6 @@ class ExportDeskTest : public ShellFixture {
             10'000);
     }
 
-    const std::filesystem::path day_ =
-        temp_ / "home/Calderwave/Station/Logs/Audio/Sonavault_2026-03-01.mp3";
     const std::filesystem::path output_ = temp_ / "cut.mp3";
 };
 
@@ -59,7 +53,7 @@ TEST_F(ExportDeskTest, saves_the_selections_where_the_person_said_and_shows_the_
     EXPECT_EQ(statusText(), "");
     const auto cut = readFile(output_);
     EXPECT_EQ(cut.size(), 834U * 108) << "30 s in frames of 36 ms, widened to whole ones";
-    EXPECT_EQ(readFile(day_).find(cut), 1666U * 108);
+    EXPECT_EQ(readFile(fileOf("2026-03-01")).find(cut), 1666U * 108);
     EXPECT_EQ(preferences_.text(kLastExportFolderKey), output_.parent_path().string());
 }
 

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <QApplication>
+#include <QScreen>
 #include <QTest>
 #include <filesystem>
 #include <sstream>
@@ -140,6 +142,9 @@ TEST_F(HelpLauncherTest, shows_the_offline_page_when_there_is_no_browser_either)
     EXPECT_TRUE(page->isVisible());
     EXPECT_EQ(page->windowTitle(), "Sonavault Help");
     EXPECT_EQ(page->size(), QSize(880, 660));
+    const QPoint off =
+        page->geometry().center() - QApplication::primaryScreen()->availableGeometry().center();
+    EXPECT_LE(off.manhattanLength(), 8) << "it is centred, all but for the desktop's frame";
     const QString text = page->toPlainText();
     EXPECT_TRUE(text.startsWith("Help is currently unavailable")) << text.toStdString();
     EXPECT_TRUE(text.contains("from help.example."));
@@ -148,6 +153,23 @@ TEST_F(HelpLauncherTest, shows_the_offline_page_when_there_is_no_browser_either)
     page->close();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_EQ(launcher.offlinePage(), nullptr);
+}
+
+TEST_F(HelpLauncherTest, the_offline_page_zooms_with_the_command_key) {
+    hasBrowser_ = false;
+    HelpLauncher launcher(services(""));
+    launcher.helpClicked();
+    auto& page = *launcher.offlinePage();
+    const double height = page.document()->size().height();
+    QTest::keyClick(&page, Qt::Key_Equal, Qt::ControlModifier);
+    QTest::keyClick(&page, Qt::Key_Plus, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_DOUBLE_EQ(page.zoomLevel(), 1.2);
+    EXPECT_GT(page.document()->size().height(), height);
+    QTest::keyClick(&page, Qt::Key_Minus);
+    EXPECT_DOUBLE_EQ(page.zoomLevel(), 1.2) << "without the command key it is a key like any";
+    QTest::keyClick(&page, Qt::Key_0, Qt::ControlModifier);
+    EXPECT_EQ(page.zoomLevel(), 1.0);
+    EXPECT_EQ(page.document()->size().height(), height);
 }
 
 TEST_F(HelpLauncherTest, does_not_keep_a_help_that_nobody_can_raise_any_more) {

@@ -7,7 +7,6 @@
 #include <QTest>
 
 #include "shell/ShellFixture.h"
-#include "support/SyntheticMp3.h"
 
 namespace sonavault::testing {
 namespace {
@@ -16,10 +15,7 @@ class KeyMonitorTest : public ShellFixture {
   protected:
     KeyMonitorTest() {
         // 144 s from 10:00:00.
-        const auto file = temp_ / "home/Calderwave/Station/Logs/Audio" / "Sonavault_2026-03-01.mp3";
-        writeFile(file, SyntheticMp3().frames(4000).bytes());
-        writeFile(std::filesystem::path(file).replace_extension("json"),
-                  R"({"version": 1, "start_offset_sec": 36000})");
+        haveDay("2026-03-01", {.frames = 4000, .startOffsetSec = 36'000});
         launch();
         root().setFocus();
         QApplication::setActiveWindow(delegate().window());

@@ -17,16 +17,8 @@ namespace {
 
 class ReviewDeskTest : public ShellFixture {
   protected:
-    std::filesystem::path fileOf(const std::string& date, const std::string& suffix) const {
-        return temp_ / "home/Calderwave/Station/Logs/Audio" / ("Sonavault_" + date + "." + suffix);
-    }
-
-    /// A day of two hours with two markers.
-    void haveDay(const std::string& date) {
-        writeFile(fileOf(date, "mp3"), SyntheticMp3().frames(200'000).bytes());
-        writeFile(fileOf(date, "csv"), kMarkerLogHeader + markerRow("08:00:00", "hour", "", 0) +
-                                           markerRow("08:10:00", "break_start", "Spots", 120));
-    }
+    const DayOnDisk twoMarkers_{.log = markerRow("08:00:00", "hour", "", 0) +
+                                       markerRow("08:10:00", "break_start", "Spots", 120)};
 
     /// From the top.
     std::vector<DateRowView*> list() {
@@ -79,37 +71,37 @@ class ReviewDeskTest : public ShellFixture {
 };
 
 TEST_F(ReviewDeskTest, lists_the_days_and_loads_the_newest_at_launch) {
-    haveDay("2026-02-28");
-    haveDay("2026-03-01");
+    haveDay("2026-02-28", twoMarkers_);
+    haveDay("2026-03-01", twoMarkers_);
     launch();
     EXPECT_EQ(rows(), (std::vector<std::string>{"2026-03-01 02:00 2", "2026-02-28 02:00 2"}));
-    EXPECT_EQ(day().loadedFileURL(), fileOf("2026-03-01", "mp3"));
+    EXPECT_EQ(day().loadedFileURL(), fileOf("2026-03-01"));
     EXPECT_TRUE(list().at(0)->isSelected());
 }
 
 TEST_F(ReviewDeskTest, sweeps_what_a_crash_left_before_the_days_are_listed) {
-    writeFile(fileOf("2026-03-01", "mp3"), "");
-    haveDay("2026-02-28");
+    writeFile(fileOf("2026-03-01"), "");
+    haveDay("2026-02-28", twoMarkers_);
     launch();
     EXPECT_TRUE(log_.has("Sonavault recovery: swept 0-byte stub Sonavault_2026-03-01.mp3"));
     EXPECT_EQ(rows().size(), 1U);
 }
 
 TEST_F(ReviewDeskTest, loads_the_day_that_is_clicked) {
-    haveDay("2026-02-28");
-    haveDay("2026-03-01");
+    haveDay("2026-02-28", twoMarkers_);
+    haveDay("2026-03-01", twoMarkers_);
     launch();
     click(1);
-    EXPECT_EQ(day().loadedFileURL(), fileOf("2026-02-28", "mp3"));
+    EXPECT_EQ(day().loadedFileURL(), fileOf("2026-02-28"));
     EXPECT_TRUE(list().at(1)->isSelected());
     EXPECT_FALSE(list().at(0)->isSelected());
 }
 
 TEST_F(ReviewDeskTest, alerts_when_the_clicked_day_cannot_be_opened) {
-    haveDay("2026-02-28");
-    haveDay("2026-03-01");
+    haveDay("2026-02-28", twoMarkers_);
+    haveDay("2026-03-01", twoMarkers_);
     launch();
-    writeFile(fileOf("2026-02-28", "mp3"), "no audio");
+    writeFile(fileOf("2026-02-28"), "no audio");
     click(1);
     ASSERT_EQ(alerts_.shown.size(), 1U);
     EXPECT_EQ(alerts_.shown[0].message, "Couldn't load recording");
@@ -118,7 +110,7 @@ TEST_F(ReviewDeskTest, alerts_when_the_clicked_day_cannot_be_opened) {
 }
 
 TEST_F(ReviewDeskTest, meets_today_within_seconds_of_its_first_recording) {
-    haveDay("2026-03-01");
+    haveDay("2026-03-01", twoMarkers_);
     launch();
     controller().toggleRecordingFromMenu();
     playSeconds(3, 0.5F);
@@ -159,7 +151,7 @@ TEST_F(ReviewDeskTest, lets_the_waveform_of_today_grow_as_it_is_recorded) {
 }
 
 TEST_F(ReviewDeskTest, writes_the_waveform_of_a_past_day_beside_it) {
-    haveDay("2026-03-01");
+    haveDay("2026-03-01", twoMarkers_);
     launch();
     EXPECT_TRUE(QTest::qWaitFor(
         [this] {
@@ -219,15 +211,15 @@ TEST_F(ReviewDeskTest, removes_at_launch_what_earlier_runs_were_writing_when_the
 }
 
 TEST_F(ReviewDeskTest, deletes_a_day_once_the_person_confirmed_it) {
-    haveDay("2026-02-28");
-    haveDay("2026-03-01");
+    haveDay("2026-02-28", twoMarkers_);
+    haveDay("2026-03-01", twoMarkers_);
     launch();
     controller().review().days().deleteRecording(*controller().review().days().rowOf("2026-03-01"));
     ASSERT_EQ(alerts_.shown.size(), 1U);
     EXPECT_EQ(alerts_.shown[0].message, "Delete 2026-03-01 (Sun)?");
     EXPECT_EQ(alerts_.shown[0].buttons, (QStringList{"Delete", "Cancel"}));
     EXPECT_EQ(rows().size(), 1U);
-    EXPECT_EQ(day().loadedFileURL(), fileOf("2026-02-28", "mp3"));
+    EXPECT_EQ(day().loadedFileURL(), fileOf("2026-02-28"));
     EXPECT_FALSE(std::filesystem::exists(fileOf("2026-03-01", "csv")));
 }
 

@@ -1,7 +1,6 @@
 // Listening to a day, in the program.
 
 #include "shell/ShellFixture.h"
-#include "support/SyntheticMp3.h"
 
 namespace sonavault::testing {
 namespace {
@@ -10,21 +9,14 @@ constexpr auto kFailed = "Sonavault: Failed to start audio engine: there is no s
 
 class ReviewPlaybackTest : public ShellFixture {
   protected:
-    std::filesystem::path fileOf(const std::string& date) const {
-        return temp_ / "home/Calderwave/Station/Logs/Audio" / ("Sonavault_" + date + ".mp3");
-    }
-
-    /// 36 s of audio.
-    void haveDay(const std::string& date) const {
-        writeFile(fileOf(date), SyntheticMp3().frames(1000).bytes());
-    }
+    const DayOnDisk shortDay_{.frames = 1000};  // 36 s
 
     Playback& playback() { return controller().review().playback(); }
     LoadedDay& day() { return controller().review().day(); }
 };
 
 TEST_F(ReviewPlaybackTest, opens_the_loudspeakers_at_launch_before_a_day_is_loaded) {
-    haveDay("2026-03-01");
+    haveDay("2026-03-01", shortDay_);
     output_.works = false;
     launch();
     ASSERT_FALSE(log_.lines().empty());
@@ -34,7 +26,7 @@ TEST_F(ReviewPlaybackTest, opens_the_loudspeakers_at_launch_before_a_day_is_load
 }
 
 TEST_F(ReviewPlaybackTest, moves_the_playhead_at_each_tick_and_ends_exactly_at_the_end) {
-    haveDay("2026-03-01");
+    haveDay("2026-03-01", shortDay_);
     launch();
     playback().jumpTo({30});
     playback().togglePlayback();
@@ -48,8 +40,8 @@ TEST_F(ReviewPlaybackTest, moves_the_playhead_at_each_tick_and_ends_exactly_at_t
 }
 
 TEST_F(ReviewPlaybackTest, stops_when_another_day_is_chosen_or_the_one_heard_is_deleted) {
-    haveDay("2026-02-28");
-    haveDay("2026-03-01");
+    haveDay("2026-02-28", shortDay_);
+    haveDay("2026-03-01", shortDay_);
     launch();
     playback().startPlayback({10});
     day().selectAndLoadRecording("2026-02-28");
@@ -77,7 +69,7 @@ TEST_F(ReviewPlaybackTest, hears_todays_recording_up_to_the_press_of_play) {
 }
 
 TEST_F(ReviewPlaybackTest, quits_while_it_plays) {
-    haveDay("2026-03-01");
+    haveDay("2026-03-01", shortDay_);
     launch();
     playback().startPlayback({0});
     quit();

@@ -52,7 +52,7 @@ class SettingsWindowTest : public ::testing::Test {
         return nullptr;
     }
 
-    /// From the lower left corner, as the window is described.
+    /// From the lower left corner, as its frames are counted.
     static QRect frame(const QWidget& view) {
         const QRect box = view.geometry();
         return {box.x(), 320 - box.y() - box.height(), box.width(), box.height()};
@@ -187,6 +187,14 @@ TEST_F(SettingsWindowTest, only_takes_the_places_of_its_ticks) {
     QTest::mouseMove(&slider, place(0));
     EXPECT_EQ(slider.value(), 4);
     EXPECT_EQ(stored(), 4);
+}
+
+TEST_F(SettingsWindowTest, stores_the_level_whose_place_is_clicked_though_the_knob_stands_there) {
+    preferences_.setInteger(kQualityLevelKey, 7);  // which is none, and shown as the default
+    open();
+    QTest::mouseClick(&settings().slider(), Qt::LeftButton, {}, place(2));
+    EXPECT_EQ(stored(), 2);
+    EXPECT_EQ(settings().slider().value(), 2);
 }
 
 TEST_F(SettingsWindowTest, is_worked_with_the_arrow_keys) {

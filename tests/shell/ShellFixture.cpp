@@ -1,5 +1,7 @@
 #include "shell/ShellFixture.h"
 
+#include "store/MarkerLogWriter.h"
+#include "support/SyntheticMp3.h"
 #include "views/DotView.h"
 #include "views/ViewProbe.h"
 
@@ -13,12 +15,6 @@ void SwitchedLineInput::deliver(FrameCount frames, float amplitude) {
 
 ShellFixture::ShellFixture() {
     std::filesystem::create_directories(temp_ / "home/Calderwave/Station");
-}
-
-WallTime ShellFixture::at(const std::string& utc) {
-    WallTime moment;
-    EXPECT_TRUE(parseIso8601WithFraction(utc, moment)) << utc;
-    return moment;
 }
 
 ShellServices ShellFixture::services() {
@@ -98,8 +94,17 @@ QColor ShellFixture::dotColour() {
     return colourOfDot(controller());
 }
 
-std::filesystem::path ShellFixture::dayFile() const {
-    return temp_ / "home/Calderwave/Station/Logs/Audio/Sonavault_2026-03-02.mp3";
+std::filesystem::path ShellFixture::fileOf(const std::string& date,
+                                           const std::string& suffix) const {
+    return temp_ / "home/Calderwave/Station/Logs/Audio" / ("Sonavault_" + date + "." + suffix);
+}
+
+void ShellFixture::haveDay(const std::string& date, const DayOnDisk& day) const {
+    writeFile(fileOf(date), SyntheticMp3().frames(day.frames).bytes());
+    writeFile(fileOf(date, "csv"), kMarkerLogHeader + day.log);
+    if (day.startOffsetSec)
+        writeFile(fileOf(date, "json"), R"({"version": 1, "start_offset_sec": )" +
+                                            std::to_string(*day.startOffsetSec) + "}");
 }
 
 }  // namespace sonavault::testing

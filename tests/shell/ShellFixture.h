@@ -4,16 +4,17 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "platform/LocalTime.h"
 #include "shell/AppDelegate.h"
 #include "support/ExpectedQtWarnings.h"
 #include "support/ManualClock.h"
 #include "support/ManualQueue.h"
 #include "support/ManualTimers.h"
+#include "support/Moments.h"
 #include "support/RecordedLog.h"
 #include "support/ScopedTimeZone.h"
 #include "support/TempFolder.h"
@@ -149,13 +150,19 @@ class RecordedDialogs final : public ExportDialogs {
     std::vector<SavePanel> panels;
 };
 
+/// A day that was recorded earlier: two hours from midnight in which nothing happened, unless the
+/// test wants another.
+struct DayOnDisk {
+    int frames = 200'000;  ///< of 36 ms
+    std::string log;       ///< the rows of its markers
+    std::optional<int> startOffsetSec;
+};
+
 /// The whole program on a station of its own, with its clock, sources and alerts in the test's
 /// hands.
 class ShellFixture : public ::testing::Test {
   protected:
     ShellFixture();
-
-    static WallTime at(const std::string& utc);
 
     ShellServices services();
 
@@ -183,7 +190,10 @@ class ShellFixture : public ::testing::Test {
     QColor dotColour();
     static QColor colourOfDot(SonavaultViewController& controller);
     bool isRecording() { return recorder().isRecording(); }
-    std::filesystem::path dayFile() const;
+    std::filesystem::path fileOf(const std::string& date, const std::string& suffix = "mp3") const;
+    /// Of today.
+    std::filesystem::path dayFile() const { return fileOf("2026-03-02"); }
+    void haveDay(const std::string& date, const DayOnDisk& day = {}) const;
 
     // There is no window manager to tell the window's least size to.
     const ExpectedQtWarnings offscreen_{"This plugin does not support propagateSizeHints()"};

@@ -8,7 +8,6 @@
 
 #include "shell/ShellFixture.h"
 #include "store/MarkerLogWriter.h"
-#include "support/SyntheticMp3.h"
 #include "views/ElidedTextView.h"
 
 namespace sonavault::testing {
@@ -16,17 +15,10 @@ namespace {
 
 class TimelineDeskTest : public ShellFixture {
   protected:
-    std::filesystem::path fileOf(const std::string& date, const std::string& suffix) const {
-        return temp_ / "home/Calderwave/Station/Logs/Audio" / ("Sonavault_" + date + "." + suffix);
-    }
-
-    /// 144 s from 10:00:00, with a break in it.
-    void haveDay(const std::string& date) const {
-        writeFile(fileOf(date, "mp3"), SyntheticMp3().frames(4000).bytes());
-        writeFile(fileOf(date, "json"), R"({"version": 1, "start_offset_sec": 36000})");
-        writeFile(fileOf(date, "csv"),
-                  kMarkerLogHeader + markerRow("10:00:30", "break_start", "Spots", 20));
-    }
+    // 144 s from 10:00:00, with a break in it.
+    const DayOnDisk morning_{.frames = 4000,
+                             .log = markerRow("10:00:30", "break_start", "Spots", 20),
+                             .startOffsetSec = 36'000};
 
     TimelineDesk& timeline() { return controller().timeline(); }
     Playback& playback() { return controller().review().playback(); }
@@ -63,7 +55,7 @@ TEST_F(TimelineDeskTest, of_an_empty_station_shows_no_place_on_the_clock) {
 }
 
 TEST_F(TimelineDeskTest, shows_where_a_day_begins_and_what_played_there) {
-    haveDay("2026-03-01");
+    haveDay("2026-03-01", morning_);
     launch();
     EXPECT_EQ(clock(), "10:00:00");
     EXPECT_EQ(text("nowPlayingLabel"), "Now playing: music / programming");
@@ -73,7 +65,7 @@ TEST_F(TimelineDeskTest, shows_where_a_day_begins_and_what_played_there) {
 }
 
 TEST_F(TimelineDeskTest, follows_the_markers_of_the_day_that_is_loaded) {
-    haveDay("2026-03-01");
+    haveDay("2026-03-01", morning_);
     launch();
     playback().jumpTo({36'100});
     writeFile(fileOf("2026-03-01", "csv"),
@@ -109,13 +101,13 @@ TEST_F(TimelineDeskTest, tells_no_longer_of_the_only_day_once_it_is_deleted) {
 }
 
 TEST_F(TimelineDeskTest, carries_three_ranges_over_to_another_day_with_their_undo) {
-    haveDay("2026-02-28");
-    haveDay("2026-03-01");
+    haveDay("2026-02-28", morning_);
+    haveDay("2026-03-01", morning_);
     launch();
     mark(3);
     ASSERT_EQ(timeline().selections().selections().size(), 3U);
     controller().review().day().selectAndLoadRecording("2026-02-28");
-    ASSERT_EQ(controller().review().day().loadedFileURL(), fileOf("2026-02-28", "mp3"));
+    ASSERT_EQ(controller().review().day().loadedFileURL(), fileOf("2026-02-28"));
     EXPECT_EQ(text("selectionInfoLabel"), "3 selections, total 00:00:30");
     EXPECT_EQ(view<QAbstractButton>("exportSelectionsButton").text(),
               "Export 3 selections to file");
@@ -132,7 +124,7 @@ TEST_F(TimelineDeskTest, carries_three_ranges_over_to_another_day_with_their_und
 }
 
 TEST_F(TimelineDeskTest, exports_by_either_button) {
-    haveDay("2026-03-01");
+    haveDay("2026-03-01", morning_);
     launch();
     mark(1);
     click("exportButton");
@@ -142,7 +134,7 @@ TEST_F(TimelineDeskTest, exports_by_either_button) {
 }
 
 TEST_F(TimelineDeskTest, steps_and_plays_with_the_shuttle) {
-    haveDay("2026-03-01");
+    haveDay("2026-03-01", morning_);
     launch();
     click("shuttle-next");
     EXPECT_EQ(clock(), "10:00:30");
@@ -156,7 +148,7 @@ TEST_F(TimelineDeskTest, steps_and_plays_with_the_shuttle) {
 }
 
 TEST_F(TimelineDeskTest, zooms_to_a_preset_around_the_playhead) {
-    haveDay("2026-03-01");
+    haveDay("2026-03-01", morning_);
     launch();
     click("24");
     EXPECT_EQ(timeline().zoom().zoomMult(), 24);
@@ -169,7 +161,7 @@ TEST_F(TimelineDeskTest, zooms_to_a_preset_around_the_playhead) {
 }
 
 TEST_F(TimelineDeskTest, hides_a_lane_whose_tick_is_taken_away) {
-    haveDay("2026-03-01");
+    haveDay("2026-03-01", morning_);
     launch();
     click("break");
     EXPECT_FALSE(timeline().filters().visibleLanes().contains(Lane::breaks));

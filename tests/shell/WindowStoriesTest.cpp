@@ -5,28 +5,26 @@
 #include <QLabel>
 #include <QTest>
 #include <QWheelEvent>
+#include <set>
+#include <span>
 
+#include "platform/Mp3Header.h"
 #include "recorder/SVQualityLevel.h"
 #include "review/TimelineMapping.h"
+#include "shell/QualitySlider.h"
 #include "shell/ShellFixture.h"
 #include "store/MarkerLogWriter.h"
-#include "support/SyntheticMp3.h"
+#include "views/ViewProbe.h"
 
 namespace sonavault::testing {
 namespace {
 
+constexpr auto kNoMarkers =
+    "Audio came from the computer's line input, so no markers are visible for this recording. All "
+    "other features are available.";
+
 class WindowStoriesTest : public ShellFixture {
   protected:
-    std::filesystem::path fileOf(const std::string& date, const std::string& suffix) const {
-        return temp_ / "home/Calderwave/Station/Logs/Audio" / ("Sonavault_" + date + "." + suffix);
-    }
-
-    /// Two hours from midnight.
-    void haveDay(const std::string& date, const std::string& log = "") const {
-        writeFile(fileOf(date, "mp3"), SyntheticMp3().frames(200'000).bytes());
-        writeFile(fileOf(date, "csv"), kMarkerLogHeader + log);
-    }
-
     LogsTabView& tab() { return controller().timeline().view(); }
     LanesInnerView& inner() { return tab().lanesScroll().lanesInnerView(); }
     double playhead() { return controller().review().day().playheadSec(); }
@@ -36,6 +34,33 @@ class WindowStoriesTest : public ShellFixture {
         return *found;
     }
     void click(const char* name) { dynamic_cast<QAbstractButton&>(named(name)).click(); }
+
+    QString emptyState() { return dynamic_cast<QLabel&>(named("emptyStateLabel")).text(); }
+
+    static std::vector<QWidget*> settingsWindows() {
+        std::vector<QWidget*> found;
+        for (QWidget* each : QApplication::topLevelWidgets())
+            if (each->windowTitle() == QLatin1String("Sonavault Settings")) found.push_back(each);
+        return found;
+    }
+    /// Of the settings that were opened.
+    static QualitySlider& slider() { return *allOf<QualitySlider>(*settingsWindows().at(0)).at(0); }
+
+    /// Those that the file's frames name, each in its header. Units: kbps
+    static std::set<int> bitratesOf(const std::filesystem::path& file) {
+        const std::string bytes = readFile(file);
+        const std::span data(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+        std::set<int> found;
+        std::size_t place = 0;
+        while (place < data.size()) {
+            const auto header = parseMp3Header(data.subspan(place));
+            if (!header) ADD_FAILURE() << "no frame at byte " << place;
+            if (!header) break;
+            found.insert(header->bitrateKbps);
+            place += static_cast<std::size_t>(header->frameBytes);
+        }
+        return found;
+    }
 
     QPoint inSummaryBar(double x) {
         const Box bar = inner().summaryBarFrame();
@@ -128,13 +153,21 @@ TEST_F(WindowStoriesTest, the_first_tick_fires_every_throttled_job) {
 }
 
 TEST_F(WindowStoriesTest, a_note_takes_the_place_of_the_sentence_over_empty_lanes) {
-    haveDay("2026-03-01", markerRow("00:00:00", "hour", "", 0));
+    haveDay("2026-03-01", {.log = markerRow("00:00:00", "hour", "", 0)});
     launch();
     EXPECT_TRUE(named("emptyStateLabel").isVisible());
+    EXPECT_EQ(emptyState(), kNoMarkers);
     writeFile(fileOf("2026-03-01", "csv"),
               kMarkerLogHeader + markerRow("00:10:00", "custom", "Guest", 0));
     controller().review().day().loadMarkersForLoadedRecording();
     EXPECT_FALSE(named("emptyStateLabel").isVisible());
+}
+
+TEST_F(WindowStoriesTest, the_sentence_over_empty_lanes_is_there_before_any_day_is) {
+    launch();
+    ASSERT_FALSE(controller().review().day().loadedFileURL());
+    EXPECT_TRUE(named("emptyStateLabel").isVisible());
+    EXPECT_EQ(emptyState(), kNoMarkers);
 }
 
 TEST_F(WindowStoriesTest, what_the_recorder_says_under_a_hover_text_is_lost_with_it) {
@@ -154,11 +187,32 @@ TEST_F(WindowStoriesTest, another_quality_leaves_the_running_recording_as_it_is)
     playSeconds(2, 0.5F);
     const auto manifest = readFile(fileOf("2026-03-02", "json"));
     click("statusBarSettings");
-    preferences_.setInteger(kQualityLevelKey, 4);
-    playSeconds(2, 0.5F);
+    QTest::keyClick(&slider(), Qt::Key_End);
+    EXPECT_EQ(preferences_.integer(kQualityLevelKey), 4);
+    const auto before = std::filesystem::file_size(dayFile());
+    playSeconds(4, 0.5F);
     EXPECT_TRUE(isRecording());
     EXPECT_EQ(readFile(fileOf("2026-03-02", "json")), manifest);
     EXPECT_NE(manifest.find("\"bitrate_kbps\": 24"), std::string::npos);
+    EXPECT_GE(std::filesystem::file_size(dayFile()), before + 9'000) << "3 s at the least";
+    EXPECT_EQ(bitratesOf(dayFile()), std::set{24});
+}
+
+TEST_F(WindowStoriesTest, the_settings_are_one_window_that_reopens_as_it_was_left) {
+    const ExpectedQtWarnings toTheFront("This plugin does not support raise()");
+    launch();
+    EXPECT_TRUE(settingsWindows().empty());
+    click("statusBarSettings");
+    ASSERT_EQ(settingsWindows().size(), 1U);
+    QWidget* const window = settingsWindows().front();
+    EXPECT_TRUE(window->isVisible());
+    QTest::keyClick(&slider(), Qt::Key_Right);
+    window->close();
+    EXPECT_FALSE(window->isVisible());
+    click("statusBarSettings");
+    EXPECT_EQ(settingsWindows(), std::vector{window});
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_EQ(slider().value(), 3);
 }
 
 TEST_F(WindowStoriesTest, midnight_brings_the_new_day_into_the_list_by_itself) {

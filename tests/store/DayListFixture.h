@@ -5,10 +5,10 @@
 #include <functional>
 
 #include "DayStreams.h"
-#include "platform/LocalTime.h"
 #include "store/DayList.h"
 #include "store/MarkerLogWriter.h"
 #include "support/ManualClock.h"
+#include "support/Moments.h"
 #include "support/RecordedLog.h"
 #include "support/ScopedTimeZone.h"
 #include "support/TempFolder.h"
@@ -69,12 +69,6 @@ class DayListFixture : public ::testing::Test {
   protected:
     DayListFixture() { std::filesystem::create_directories(folder_); }
 
-    static WallTime afternoon() {
-        WallTime moment;
-        EXPECT_TRUE(parseIso8601WithFraction("2026-05-08T14:00:00.000Z", moment));
-        return moment;
-    }
-
     std::filesystem::path audioOf(const std::string& date) const {
         return folder_ / ("Sonavault_" + date + ".mp3");
     }
@@ -105,7 +99,7 @@ class DayListFixture : public ::testing::Test {
     const ScopedTimeZone zone_{"Europe/Berlin"};
     TempFolder home_;
     RecordedLog log_;
-    ManualClock clock_{afternoon()};
+    ManualClock clock_{at("2026-05-08T14:00:00.000Z")};
     FakeDayListHost host_;
     const std::filesystem::path shared_ = home_ / "shared.conf";
     const StationFolder station_{home_.path(), Preferences(shared_)};

@@ -5,21 +5,16 @@
 #include <cmath>
 #include <limits>
 
-#include "platform/LocalTime.h"
 #include "support/ManualClock.h"
+#include "support/Moments.h"
 #include "support/ScopedTimeZone.h"
 
 namespace sonavault {
 namespace {
 
+using testing::at;
 using testing::ManualClock;
 using testing::ScopedTimeZone;
-
-WallTime utc(const char* text) {
-    WallTime moment;
-    EXPECT_TRUE(parseIso8601WithFraction(text, moment)) << text;
-    return moment;
-}
 
 TEST(FormatTime, prints_hours_minutes_and_seconds) {
     EXPECT_EQ(formatTime(3661), "01:01:01");
@@ -113,14 +108,14 @@ TEST(ShortDayOfWeek, is_absent_for_what_is_no_date) {
 
 TEST(TodayDateString, changes_at_local_midnight) {
     const ScopedTimeZone berlin("Europe/Berlin");
-    ManualClock clock(utc("2026-03-01T22:59:59.900Z"));
+    ManualClock clock(at("2026-03-01T22:59:59.900Z"));
     EXPECT_EQ(todayDateString(clock), "2026-03-01");
     clock.advance(0.2);
     EXPECT_EQ(todayDateString(clock), "2026-03-02");
 }
 
 TEST(TodayDateString, follows_the_zone_as_it_stands_at_the_call) {
-    const ManualClock clock(utc("2026-03-01T23:30:00.000Z"));
+    const ManualClock clock(at("2026-03-01T23:30:00.000Z"));
     {
         const ScopedTimeZone zone("UTC");
         EXPECT_EQ(todayDateString(clock), "2026-03-01");

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/LocalTime.h"
+#include "support/Moments.h"
 #include "support/RecordedLog.h"
 #include "support/ScopedTimeZone.h"
 #include "support/TempFolder.h"
@@ -10,6 +10,7 @@
 namespace sonavault {
 namespace {
 
+using testing::at;
 using testing::RecordedLog;
 using testing::ScopedTimeZone;
 using testing::TempFolder;
@@ -19,12 +20,6 @@ class StationFolderTest : public ::testing::Test {
   protected:
     void choose(const std::string& path) {
         Preferences(shared_).setText("StationFolderPath", path);
-    }
-
-    WallTime eveningInBerlin() {
-        WallTime moment;
-        EXPECT_TRUE(parseIso8601WithFraction("2026-03-01T23:30:00.000Z", moment));
-        return moment;
     }
 
     TempFolder temp_;
@@ -77,7 +72,7 @@ TEST_F(StationFolderTest, is_asked_afresh_each_time) {
 
 TEST_F(StationFolderTest, gives_a_day_its_three_files_and_makes_the_folder) {
     std::filesystem::create_directories(usual_);
-    const auto urls = station_.makeOutputURLs(eveningInBerlin(), log_);
+    const auto urls = station_.makeOutputURLs(at("2026-03-01T23:30:00.000Z"), log_);
     ASSERT_TRUE(urls);
     const auto folder = usual_ / "Logs" / "Audio";
     EXPECT_EQ(urls->audio, folder / "Sonavault_2026-03-02.mp3");
@@ -87,7 +82,7 @@ TEST_F(StationFolderTest, gives_a_day_its_three_files_and_makes_the_folder) {
 }
 
 TEST_F(StationFolderTest, records_into_the_documents_without_a_station) {
-    const auto urls = station_.makeOutputURLs(eveningInBerlin(), log_);
+    const auto urls = station_.makeOutputURLs(at("2026-03-01T23:30:00.000Z"), log_);
     ASSERT_TRUE(urls);
     EXPECT_EQ(urls->audio.parent_path(), home_ / "Documents" / "Calderwave_Recordings");
     EXPECT_TRUE(std::filesystem::is_directory(urls->audio.parent_path()));
@@ -96,7 +91,7 @@ TEST_F(StationFolderTest, records_into_the_documents_without_a_station) {
 TEST_F(StationFolderTest, says_why_a_folder_cannot_be_made) {
     writeFile(temp_ / "file", "x");
     choose((temp_ / "file").string());
-    EXPECT_FALSE(station_.makeOutputURLs(eveningInBerlin(), log_));
+    EXPECT_FALSE(station_.makeOutputURLs(at("2026-03-01T23:30:00.000Z"), log_));
     ASSERT_EQ(log_.lines().size(), 1U);
     EXPECT_TRUE(log_.lines()[0].starts_with("Sonavault recorder: mkdir failed at " +
                                             (temp_ / "file").string() + "/Logs/Audio: "))

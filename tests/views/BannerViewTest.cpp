@@ -115,6 +115,7 @@ TEST_F(Banner, keeps_the_help_button_at_the_right_edge) {
     banner.resize(1100, 132);
     EXPECT_EQ(help->geometry(), QRect(1050, 10, 30, 28));
     EXPECT_EQ(help->text(), "?");
+    EXPECT_EQ(help->font(), interfaceFont(13));
     EXPECT_EQ(help->accessibleName(), "Help");
     EXPECT_EQ(svHint(*help), "Open the Sonavault help page in your browser.");
 }

@@ -5,9 +5,12 @@
 #include <QAbstractButton>
 #include <QLabel>
 #include <QScrollBar>
+#include <array>
+#include <cmath>
 
 #include "Clicks.h"
 #include "views/Hints.h"
+#include "views/PassThroughLabel.h"
 #include "views/Theme.h"
 
 namespace sonavault::testing {
@@ -242,6 +245,38 @@ TEST_F(LogsTabViewTest, the_empty_state_stands_over_the_lanes_while_it_has_a_tex
     EXPECT_TRUE(label.isHidden());
 }
 
+TEST_F(LogsTabViewTest, the_empty_state_takes_two_lines_and_no_more) {
+    auto& label = viewNamed<PassThroughLabel>(tab_, "emptyStateLabel");
+    const QFontMetrics metrics(label.font());
+    tab_.showEmptyState("Nothing to see.");
+    EXPECT_EQ(label.visibleLines(), QStringList{"Nothing to see."});
+
+    const QString sentence = QStringLiteral("no markers are visible for this recording ");
+    tab_.showEmptyState(sentence.repeated(3).toStdString());
+    QStringList lines = label.visibleLines();
+    ASSERT_EQ(lines.size(), 2);
+    EXPECT_EQ(lines.join(u' ').simplified(), sentence.repeated(3).simplified()) << "all of it";
+
+    tab_.showEmptyState(sentence.repeated(9).toStdString());
+    lines = label.visibleLines();
+    ASSERT_EQ(lines.size(), 2);
+    EXPECT_TRUE(lines[1].endsWith(u'…')) << lines[1].toStdString();
+    for (const QString& each : lines) EXPECT_LE(metrics.horizontalAdvance(each), label.width());
+    EXPECT_EQ(label.accessibleName(), sentence.repeated(9)) << "a screen reader has all of it";
+}
+
+TEST_F(LogsTabViewTest, the_empty_state_is_painted_in_the_middle) {
+    tab_.showEmptyState("I");
+    auto& label = view("emptyStateLabel");
+    const QImage seen = label.grab().toImage();
+    QRect ink;
+    for (int y = 0; y < seen.height(); ++y)
+        for (int x = 0; x < seen.width(); ++x)
+            if (seen.pixel(x, y) != seen.pixel(0, 0)) ink |= QRect(x, y, 1, 1);
+    EXPECT_NEAR(ink.center().x(), label.width() / 2.0, 4);
+    EXPECT_NEAR(ink.center().y(), label.height() / 2.0, 4);
+}
+
 TEST_F(LogsTabViewTest, the_empty_state_lets_clicks_through_to_the_timeline) {
     tab_.showEmptyState("Nothing to see.");
     QWidget* hit = tab_.childAt(view("emptyStateLabel").geometry().center());
@@ -253,6 +288,46 @@ TEST_F(LogsTabViewTest, the_handle_is_reached_over_the_timeline) {
     QWidget& handle = view("actionBarResizeHandle");
     const QWidget* hit = tab_.childAt(handle.geometry().center());
     EXPECT_TRUE(hit == &handle || handle.isAncestorOf(hit));
+}
+
+struct WrittenText {
+    const char* name;
+    QFont font;
+    double white;  ///< the level of grey
+    Qt::Alignment alignment;
+};
+
+QFont italic(int pixels) {
+    QFont font = interfaceFont(pixels);
+    font.setItalic(true);
+    return font;
+}
+
+TEST_F(LogsTabViewTest, each_text_has_its_face_and_its_grey) {
+    const std::array written{
+        WrittenText{"nowPlayingLabel", italic(14), 0.35, Qt::AlignLeft},
+        WrittenText{"selectionInfoLabel", digitsFont(13), 0.35, Qt::AlignRight},
+        WrittenText{"zoomBarLabel", interfaceFont(12, QFont::DemiBold), 0.5, Qt::AlignLeft},
+        WrittenText{"vtCounterLabel", italic(12), 0.4, Qt::AlignLeft},
+        WrittenText{"emptyStateLabel", italic(16), 0.45, Qt::AlignHCenter}};
+    for (const WrittenText& each : written) {
+        const auto& label = viewNamed<QLabel>(tab_, each.name);
+        EXPECT_EQ(label.font(), each.font) << each.name;
+        EXPECT_EQ(label.palette().color(QPalette::WindowText).red(), std::lround(each.white * 255))
+            << each.name;
+        EXPECT_EQ(label.palette().color(QPalette::WindowText).hsvSaturation(), 0) << each.name;
+        EXPECT_EQ(label.alignment() & Qt::AlignHorizontal_Mask, each.alignment) << each.name;
+    }
+    const auto& clock = viewNamed<QLabel>(tab_, "transportTimeLabel");
+    EXPECT_EQ(clock.font(), digitsFont(24, QFont::DemiBold));
+    EXPECT_EQ(clock.alignment(), Qt::AlignCenter);
+}
+
+TEST_F(LogsTabViewTest, each_button_has_its_face) {
+    for (const char* each :
+         {"shuttle-prev", "shuttle-play", "shuttle-next", "shuttle-in", "shuttle-out"})
+        EXPECT_EQ(view(each).font(), interfaceFont(18, QFont::Medium)) << each;
+    EXPECT_EQ(view("voicetracksOnlyButton").font(), interfaceFont(12));
 }
 
 TEST_F(LogsTabViewTest, explains_its_parts) {

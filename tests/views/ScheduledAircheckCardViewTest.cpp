@@ -41,7 +41,7 @@ class ScheduledAircheckCardViewTest : public ::testing::Test {
         return card;
     }
 
-    /// From the lower left corner, as the card is described.
+    /// From the lower left corner, as its frames are counted.
     static QRect frame(const QWidget& control) {
         const QRect box = control.geometry();
         return {box.x(), 300 - box.y() - box.height(), box.width(), box.height()};

@@ -1,13 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
 #include <QImage>
-#include <QPaintEvent>
-#include <QTest>
 #include <cmath>
 
 #include "review/TimeAxis.h"
+#include "views/PaintCounter.h"
 #include "views/Painting.h"
 #include "views/TimelineWindow.h"
 
@@ -32,35 +30,6 @@ Colour over(Colour ground, Colour above) {
     return {mixed(ground.red, above.red), mixed(ground.green, above.green),
             mixed(ground.blue, above.blue)};
 }
-
-/// Counts in points what is drawn anew.
-class PaintWatch final : public QObject {
-  public:
-    explicit PaintWatch(QWidget& watched) {
-        watched.installEventFilter(this);
-        // A window that has just been opened is drawn when the system says so, and maybe twice.
-        EXPECT_TRUE(QTest::qWaitForWindowExposed(watched.window()));
-        watched.update();
-        while (afterDrawing().isEmpty()) {
-        }
-        while (!afterDrawing().isEmpty()) {
-        }
-    }
-    QRegion afterDrawing() {
-        painted = {};
-        QCoreApplication::processEvents();
-        return painted;
-    }
-
-  protected:
-    bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::Paint) painted += static_cast<QPaintEvent*>(event)->region();
-        return false;
-    }
-
-  private:
-    QRegion painted;
-};
 
 /// A timeline on which a point is 80 seconds of the day, and of which each lane is 100 points high.
 class TimelinePaintingTest : public ::testing::Test {
@@ -272,13 +241,14 @@ TEST_F(TimelinePaintingTest, the_playhead_is_a_line_under_a_cap) {
 }
 
 TEST_F(TimelinePaintingTest, a_moving_playhead_draws_only_where_it_was_and_is) {
-    PaintWatch watch(window_.inner());
+    PaintCounter watch(window_.inner());
+    ASSERT_NO_FATAL_FAILURE(watch.settle());
     window_.inner().setPlayheadFrame({499, 0, 2, 682});
-    watch.afterDrawing();
+    watch.takeRegion();
 
     window_.inner().setPlayheadFrame({500, 0, 2, 682});
 
-    const QRegion drawn = watch.afterDrawing();
+    const QRegion drawn = watch.takeRegion();
     EXPECT_TRUE(drawn.contains(QRect(499, 0, 3, 682)));
     EXPECT_TRUE(QRegion(490, 0, 22, 682).subtracted(drawn).intersects(QRect(490, 20, 5, 600)));
     EXPECT_TRUE(drawn.subtracted(QRegion(490, 0, 22, 682)).isEmpty());
@@ -289,15 +259,17 @@ TEST_F(TimelinePaintingTest, a_moving_playhead_draws_only_where_it_was_and_is) {
 
 TEST_F(TimelinePaintingTest, a_playhead_that_stays_on_its_pixel_draws_nothing) {
     window_.inner().setPlayheadFrame({500.01, 0, 2, 682});
-    PaintWatch watch(window_.inner());
+    PaintCounter watch(window_.inner());
+    ASSERT_NO_FATAL_FAILURE(watch.settle());
     window_.inner().setPlayheadFrame({500.02, 0, 2, 682});
-    EXPECT_TRUE(watch.afterDrawing().isEmpty());
+    EXPECT_TRUE(watch.takeRegion().isEmpty());
 }
 
 TEST_F(TimelinePaintingTest, a_change_of_the_selections_draws_the_bar_alone) {
-    PaintWatch watch(window_.inner());
+    PaintCounter watch(window_.inner());
+    ASSERT_NO_FATAL_FAILURE(watch.settle());
     window_.inner().redrawSummaryBar();
-    EXPECT_EQ(watch.afterDrawing().boundingRect(), QRect(0, kBar, 1080, 50));
+    EXPECT_EQ(watch.takeRegion().boundingRect(), QRect(0, kBar, 1080, 50));
 }
 
 /// A day with everything on it, at each of the presets.
