@@ -1,6 +1,7 @@
 #include "platform/AppendFile.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -15,11 +16,17 @@ Result<std::unique_ptr<AppendFile>> AppendFile::open(const std::filesystem::path
                                                      DiskFlusher& flusher) {
     using Opened = Result<std::unique_ptr<AppendFile>>;
     int descriptor = -1;
-    do descriptor = ::open(file.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
+    // Without O_NONBLOCK a pipe under that name would wait for a reader.
+    constexpr int kHow = O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK;
+    do descriptor = ::open(file.c_str(), kHow, 0644);
     while (descriptor < 0 && errno == EINTR);
     if (descriptor < 0) return Opened::failure(systemWords(errno));
 
+    // From here on it is closed whatever happens.
     auto shared = std::make_shared<SharedDescriptor>(descriptor);
+    struct stat status {};
+    if (::fstat(descriptor, &status) != 0) return Opened::failure(systemWords(errno));
+    if (!S_ISREG(status.st_mode)) return Opened::failure("Not a plain file");
     flusher.watch(shared);
     // The bytes of a new file are lost with its name if the folder that holds the name isn't
     // flushed as well.
