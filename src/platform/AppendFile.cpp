@@ -1,11 +1,10 @@
 #include "platform/AppendFile.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 
+#include "platform/Descriptors.h"
 #include "platform/DiskFlusher.h"
 #include "platform/SharedDescriptor.h"
 #include "platform/SystemError.h"
@@ -24,9 +23,8 @@ Result<std::unique_ptr<AppendFile>> AppendFile::open(const std::filesystem::path
 
     // From here on it is closed whatever happens.
     auto shared = std::make_shared<SharedDescriptor>(descriptor);
-    struct stat status {};
-    if (::fstat(descriptor, &status) != 0) return Opened::failure(systemWords(errno));
-    if (!S_ISREG(status.st_mode)) return Opened::failure("Not a plain file");
+    if (const auto plain = requirePlainFile(descriptor); !plain)
+        return Opened::failure(plain.error());
     flusher.watch(shared);
     // The bytes of a new file are lost with its name if the folder that holds the name isn't
     // flushed as well.
@@ -42,14 +40,12 @@ AppendFile::~AppendFile() {
 }
 
 bool AppendFile::write(std::span<const std::uint8_t> bytes) {
-    while (!bytes.empty()) {
-        const auto taken = ::write(descriptor_->fd, bytes.data(), bytes.size());
-        if (taken < 0 && errno == EINTR) continue;
-        if (taken <= 0) return false;
-        descriptor_->dirty = true;
-        bytes = bytes.subspan(static_cast<std::size_t>(taken));
-    }
-    return true;
+    if (bytes.empty()) return true;
+    const int error =
+        writeAll(descriptor_->fd, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    // Behind the write, and also where only a part was taken: the flusher may be at work.
+    descriptor_->dirty = true;
+    return error == 0;
 }
 
 }  // namespace sonavault
