@@ -1,5 +1,6 @@
 #include "recorder/MarkerInbox.h"
 
+#include <algorithm>
 #include <atomic>
 #include <thread>
 
