@@ -1,9 +1,7 @@
 #include "export/AircheckCompiler.h"
 
-#include <QUtf8StringView>
 #include <algorithm>
 
-#include "platform/ReadFile.h"
 #include "store/MarkerLogReader.h"
 #include "store/StationFolder.h"
 
@@ -31,15 +29,9 @@ std::optional<Event> eventIn(std::string_view line) {
 /// The events of all lines but the first, in order of time.
 std::vector<Event> eventsIn(std::string_view log) {
     std::vector<Event> events;
-    bool isHeader = true;
-    while (!log.empty()) {
-        const auto line = log.substr(0, log.find('\n'));
-        log.remove_prefix(std::min(line.size() + 1, log.size()));
-        if (line.empty()) continue;
-        if (!isHeader)
-            if (auto event = eventIn(line)) events.push_back(std::move(*event));
-        isHeader = false;
-    }
+    forEachMarkerRow(log, [&events](std::string_view row) {
+        if (auto event = eventIn(row)) events.push_back(std::move(*event));
+    });
     std::stable_sort(events.begin(), events.end(),
                      [](const Event& one, const Event& other) { return one.sec < other.sec; });
     return events;
@@ -105,14 +97,8 @@ std::vector<Selection> aircheckSegmentsIn(std::string_view markerLog, AircheckMo
 std::vector<Selection> computeAircheckSegments(const std::optional<std::filesystem::path>& audio,
                                                AircheckMode mode) {
     if (!audio) return {};
-    const auto log = sidecarURL(*audio, "csv");
-    // A pipe under a log's name would be waited for.
-    std::error_code unreadable;
-    if (!std::filesystem::is_regular_file(log, unreadable)) return {};
-    const auto text = readWholeFile(log);
-    if (!text) return {};
-    const QUtf8StringView view(text.value().data(), static_cast<qsizetype>(text.value().size()));
-    return view.isValidUtf8() ? aircheckSegmentsIn(text.value(), mode) : std::vector<Selection>{};
+    const auto text = readMarkerLogText(sidecarURL(*audio, "csv"));
+    return text ? aircheckSegmentsIn(*text, mode) : std::vector<Selection>{};
 }
 
 std::vector<Selection> beginningIn(HourWindow window, std::vector<Selection> segments) {

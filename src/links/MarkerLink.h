@@ -15,8 +15,10 @@ class MarkerLink {
     virtual ~MarkerLink() = default;
 
     std::function<void(const MarkerWire&)> onMarker;  ///< one message arrived whole and made sense
-    std::function<void()> onConnect;                  ///< a client is there
-    std::function<void()> onDisconnect;               ///< the client is gone
+    /// Whether more is to be read. While it says no the sender is held back, and nothing is lost.
+    std::function<bool()> hasRoom;
+    std::function<void()> onConnect;     ///< a client is there
+    std::function<void()> onDisconnect;  ///< the client is gone
 
     /// Begins to listen; does nothing while it already does. Thread: main.
     virtual void start() = 0;

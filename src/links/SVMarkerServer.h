@@ -31,6 +31,7 @@ class SVMarkerServer final : public MarkerLink, private ClientProtocol {
 
   private:
     void clientReady() override;
+    bool hasRoomForBytes() override { return !hasRoom || hasRoom(); }
     void bytesReceived(std::span<const std::uint8_t> bytes) override;
     void forgetClient() override;
     void clientGone() override;

@@ -19,6 +19,7 @@ constexpr int kMostReadsBeforeDisplacing = 128;
 constexpr int kBacklog = 256;
 
 constexpr int kAcceptRetryMs = 1000;
+constexpr int kLookForRoomMs = 20;
 
 std::string utf8(const QString& text) {
     return text.toStdString();
@@ -83,6 +84,9 @@ void SingleClientServer::openListener() {
     retryAccepting_->setSingleShot(true);
     QObject::connect(retryAccepting_.get(), &QTimer::timeout,
                      [this] { listener_->resumeAccepting(); });
+    lookForRoom_ = std::make_unique<QTimer>();
+    lookForRoom_->setSingleShot(true);
+    QObject::connect(lookForRoom_.get(), &QTimer::timeout, [this] { lookForRoom(); });
     listeningPort_ = listener_->serverPort();
     log("listening on " + std::to_string(listeningPort_));
     postEvent([this] { protocol_.listenerStateChanged(ListenerState::ready); });
@@ -91,6 +95,7 @@ void SingleClientServer::openListener() {
 bool SingleClientServer::closeListener() {
     life_ = Lifetime();  // what is still queued concerns nobody
     acceptIsPosted_ = false;
+    newcomerWaitsForRoom_ = false;
     if (connection_ && connection_->socket) {
         connection_->socket->disconnect();
         connection_->socket->abort();
@@ -100,6 +105,7 @@ bool SingleClientServer::closeListener() {
     protocol_.forgetClient();
     if (!listener_) return false;
     retryAccepting_.reset();
+    lookForRoom_.reset();
     listener_->disconnect();
     listener_->close();
     queue_.post([closed = std::shared_ptr<QTcpServer>(std::move(listener_))] {});
@@ -115,6 +121,12 @@ void SingleClientServer::connectionsWaiting() {
 
 // One at a time, so that the events of one newcomer are through before the next takes the place.
 void SingleClientServer::acceptNext() {
+    // Senders in quick succession must not bring in what one alone could not.
+    if (!protocol_.hasRoomForBytes()) {
+        newcomerWaitsForRoom_ = true;
+        lookForRoom_->start(kLookForRoomMs);
+        return;
+    }
     acceptIsPosted_ = false;
     std::unique_ptr<QTcpSocket> socket(listener_->nextPendingConnection());
     if (socket) acceptConnection(std::move(socket));
@@ -202,12 +214,26 @@ void SingleClientServer::scheduleReceive() {
     connection_->reading = true;
     QTcpSocket* socket = connection_->socket.get();
     QObject::connect(socket, &QTcpSocket::readyRead,
-                     [this, connection = connection_.get()] { receive(*connection); });
+                     [this, connection = connection_.get()] { receiveIfThereIsRoom(*connection); });
     QObject::connect(socket, &QTcpSocket::disconnected, [this] { receiveToTheEnd(); });
     if (isClosed(*socket))
         receiveToTheEnd();
     else
-        receive(*connection_);
+        receiveIfThereIsRoom(*connection_);
+}
+
+// What is not read fills the socket's buffer and then the system's, and the sender has to wait.
+void SingleClientServer::receiveIfThereIsRoom(Connection& connection) {
+    if (protocol_.hasRoomForBytes())
+        receive(connection);
+    else if (!lookForRoom_->isActive())
+        lookForRoom_->start(kLookForRoomMs);
+}
+
+void SingleClientServer::lookForRoom() {
+    if (connection_ && connection_->reading && connection_->socket)
+        receiveIfThereIsRoom(*connection_);
+    if (std::exchange(newcomerWaitsForRoom_, false)) acceptNext();
 }
 
 void SingleClientServer::receive(Connection& connection) {

@@ -32,6 +32,9 @@ class ClientProtocol {
 
     /// A client's connection stands, and nothing of it has been read yet.
     virtual void clientReady() = 0;
+    /// Asked before more is read. While it says no the system holds the sender back, a newcomer
+    /// waits at the door, and it is asked again a few hundredths of a second later.
+    virtual bool hasRoomForBytes() { return true; }
     /// Bytes in the order in which they were sent, in pieces of the network's choosing, at most
     /// 65536 at a time.
     virtual void bytesReceived(std::span<const std::uint8_t> bytes) = 0;
@@ -97,6 +100,8 @@ class SingleClientServer {
     void handleDisconnect();
     void scheduleReceive();
     void receive(Connection& connection);
+    void receiveIfThereIsRoom(Connection& connection);
+    void lookForRoom();
     void receiveToTheEnd();
     void postEvent(std::function<void()> event);
     void disposeLater(std::unique_ptr<QTcpSocket> socket);
@@ -111,9 +116,11 @@ class SingleClientServer {
     Lifetime life_;
     std::unique_ptr<QTcpServer> listener_;
     std::unique_ptr<QTimer> retryAccepting_;
+    std::unique_ptr<QTimer> lookForRoom_;
     std::shared_ptr<Connection> connection_;
     std::vector<std::uint8_t> received_;
     bool acceptIsPosted_ = false;
+    bool newcomerWaitsForRoom_ = false;
 
     // Joined first, so that the rest outlives whatever still runs on it
     SerialQueue queue_;

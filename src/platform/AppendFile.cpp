@@ -1,10 +1,10 @@
 #include "platform/AppendFile.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
 #include <cerrno>
 
+#include "platform/Descriptors.h"
 #include "platform/DiskFlusher.h"
 #include "platform/SharedDescriptor.h"
 #include "platform/SystemError.h"
@@ -15,11 +15,16 @@ Result<std::unique_ptr<AppendFile>> AppendFile::open(const std::filesystem::path
                                                      DiskFlusher& flusher) {
     using Opened = Result<std::unique_ptr<AppendFile>>;
     int descriptor = -1;
-    do descriptor = ::open(file.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
+    // Without O_NONBLOCK a pipe under that name would wait for a reader.
+    constexpr int kHow = O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK;
+    do descriptor = ::open(file.c_str(), kHow, 0644);
     while (descriptor < 0 && errno == EINTR);
     if (descriptor < 0) return Opened::failure(systemWords(errno));
 
+    // From here on it is closed whatever happens.
     auto shared = std::make_shared<SharedDescriptor>(descriptor);
+    if (const auto plain = requirePlainFile(descriptor); !plain)
+        return Opened::failure(plain.error());
     flusher.watch(shared);
     // The bytes of a new file are lost with its name if the folder that holds the name isn't
     // flushed as well.
@@ -35,14 +40,12 @@ AppendFile::~AppendFile() {
 }
 
 bool AppendFile::write(std::span<const std::uint8_t> bytes) {
-    while (!bytes.empty()) {
-        const auto taken = ::write(descriptor_->fd, bytes.data(), bytes.size());
-        if (taken < 0 && errno == EINTR) continue;
-        if (taken <= 0) return false;
-        descriptor_->dirty = true;
-        bytes = bytes.subspan(static_cast<std::size_t>(taken));
-    }
-    return true;
+    if (bytes.empty()) return true;
+    const int error =
+        writeAll(descriptor_->fd, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    // Behind the write, and also where only a part was taken: the flusher may be at work.
+    descriptor_->dirty = true;
+    return error == 0;
 }
 
 }  // namespace sonavault

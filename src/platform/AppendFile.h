@@ -20,7 +20,8 @@ struct SharedDescriptor;
 class AppendFile {
   public:
     /// Makes the file when there is none; never truncates. What is written reaches the disk through
-    /// `flusher`, in the background; `flusher` must outlive the file. Errors: the system's words.
+    /// `flusher`, in the background; `flusher` must outlive the file. Errors: the system's words,
+    /// also for what is no plain file.
     static Result<std::unique_ptr<AppendFile>> open(const std::filesystem::path& file,
                                                     DiskFlusher& flusher);
 

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <string>
 
+#include "platform/Descriptors.h"
 #include "platform/SystemError.h"
 
 namespace sonavault {
@@ -15,19 +16,11 @@ namespace {
 int writeOrTakeBack(int descriptor, std::string_view bytes) {
     const off_t end = ::lseek(descriptor, 0, SEEK_END);
     if (end < 0) return errno;
-    while (!bytes.empty()) {
-        const auto taken = ::write(descriptor, bytes.data(), bytes.size());
-        if (taken < 0 && errno == EINTR) continue;
-        if (taken <= 0) {
-            const int error = taken < 0 ? errno : ENOSPC;
-            // Half a row would spoil the next one too. Where taking it back fails there is nothing
-            // left to try.
-            [[maybe_unused]] const int takenBack = ::ftruncate(descriptor, end);
-            return error;
-        }
-        bytes.remove_prefix(static_cast<std::size_t>(taken));
-    }
-    return 0;
+    const int error = writeAll(descriptor, bytes);
+    // Half a row would spoil the next one too. Where taking it back fails there is nothing left to
+    // try.
+    [[maybe_unused]] const int takenBack = error ? ::ftruncate(descriptor, end) : 0;
+    return error;
 }
 
 /// As a process leaves a file that is killed while it writes.

@@ -1,5 +1,6 @@
 #include "platform/CubebAudioInput.h"
 
+#include <system_error>
 #include <utility>
 
 #include "platform/CubebCaptureRun.h"
@@ -41,8 +42,7 @@ void CubebAudioInput::installTap(int bufferFrames, const AudioFormat& format, Ta
     wish_ = Wish{bufferFrames, format, std::move(tap)};
     if (!wasRunning || !canBeCaptured(format)) return;
     const auto run = std::make_shared<CubebCaptureRun>(wish_->format);
-    device_.carryOn(run);
-    deliver(run);
+    if (deliver(run)) device_.carryOn(run);
 }
 
 void CubebAudioInput::removeTap() {
@@ -55,8 +55,10 @@ Outcome CubebAudioInput::start() {
     if (!wish_) wish_ = Wish{kUsualBufferFrames, outputFormat(), nullptr};
     if (!canBeCaptured(wish_->format)) return Outcome::failure("no input has such a format");
     const auto run = std::make_shared<CubebCaptureRun>(wish_->format);
+    // The delivery first: a machine that has no thread left must not leave the device open.
+    if (auto delivering = deliver(run); !delivering) return delivering;
     auto begun = device_.begin(run);
-    if (begun) deliver(run);
+    if (!begun) delivery_.reset();
     return begun;
 }
 
@@ -64,8 +66,14 @@ void CubebAudioInput::stop() {
     end();
 }
 
-void CubebAudioInput::deliver(std::shared_ptr<CubebCaptureRun> run) {
-    delivery_ = std::make_unique<CubebDelivery>(std::move(run), wish_->bufferFrames, wish_->tap);
+Outcome CubebAudioInput::deliver(std::shared_ptr<CubebCaptureRun> run) {
+    try {
+        delivery_ =
+            std::make_unique<CubebDelivery>(std::move(run), wish_->bufferFrames, wish_->tap);
+        return Done{};
+    } catch (const std::system_error& error) {
+        return Outcome::failure(error.code().message());
+    }
 }
 
 void CubebAudioInput::end() {

@@ -32,7 +32,7 @@ class CubebAudioInput final : public AudioInput {
 
     /// Hands out whole blocks of exactly `bufferFrames`. While running, capture goes on in the new
     /// format, and whatever had not filled a block of the old one is lost. Range: 1,000 to 192,000
-    /// Hz, 1 to 8 channels; nothing runs in another format.
+    /// Hz, 1 to 8 channels; nothing runs in another format, nor when no thread can be had.
     void installTap(int bufferFrames, const AudioFormat& format, Tap tap) override;
 
     /// Waits for a tap call that is under way.
@@ -40,9 +40,9 @@ class CubebAudioInput final : public AudioInput {
 
     /// Captures in the tap's format, or for nobody in outputFormat() when no tap was installed yet.
     ///
-    /// A refusal is an error, and nothing runs then. Silence is none: when the sound server does
-    /// not answer within a second, the input counts as running and capture begins with the server's
-    /// answer.
+    /// A refusal is an error, as is a machine that has no thread left, and nothing runs then.
+    /// Silence is none: when the sound server does not answer within a second, the input counts as
+    /// running and capture begins with the server's answer.
     Outcome start() override;
 
     /// When it returns, the tap is not running and is called again only after the next start().
@@ -61,7 +61,7 @@ class CubebAudioInput final : public AudioInput {
         Tap tap;
     };
 
-    void deliver(std::shared_ptr<CubebCaptureRun> run);
+    Outcome deliver(std::shared_ptr<CubebCaptureRun> run);
     void end();
 
     std::optional<Wish> wish_;

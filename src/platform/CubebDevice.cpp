@@ -57,7 +57,7 @@ class CubebDevice::Worker {
     };
 
     Order awaitOrder();
-    bool isStuck() const { return unanswered_ && !unanswered_->answered; }
+    bool isStuck() const { return beginUnanswered_ || (unanswered_ && !unanswered_->answered); }
     void answer(Question& question);
     void follow(const std::shared_ptr<CubebCaptureRun>& wanted);
     void tend();
@@ -76,6 +76,7 @@ class CubebDevice::Worker {
     std::shared_ptr<Question> unanswered_;  // whoever asked it waited in vain
     std::shared_ptr<CubebCaptureRun> wanted_;
     bool beginAwaited_ = false;
+    bool beginUnanswered_ = false;  // until the device thread is back from the sound system
     std::optional<Outcome> beginOutcome_;
 
     // Device thread only
@@ -115,7 +116,8 @@ Outcome CubebDevice::Worker::begin(std::shared_ptr<CubebCaptureRun> run) {
     beginAwaited_ = true;
     changed_.notify_all();
     if (!isStuck())
-        changed_.wait_for(lock, kAnswerWithin, [this] { return beginOutcome_.has_value(); });
+        beginUnanswered_ =
+            !changed_.wait_for(lock, kAnswerWithin, [this] { return beginOutcome_.has_value(); });
     beginAwaited_ = false;
     return beginOutcome_.value_or(Done{});
 }
@@ -149,6 +151,7 @@ void CubebDevice::Worker::work() {
 
 CubebDevice::Worker::Order CubebDevice::Worker::awaitOrder() {
     std::unique_lock lock(mutex_);
+    beginUnanswered_ = false;
     const auto patience = run_ ? SteadyClock::duration(kLookEvery) : kUntilCalled;
     changed_.wait_for(lock, patience,
                       [this] { return quit_ || !questions_.empty() || wanted_ != run_; });

@@ -11,6 +11,14 @@ inline bool pathExists(const std::filesystem::path& path) {
     return std::filesystem::exists(path, unreadable);
 }
 
+/// Whether surely nothing is at the path; what can't be looked at may be something. To be asked
+/// before a file is put there that must not replace another.
+inline bool isAbsent(const std::filesystem::path& path) {
+    std::error_code unreadable;
+    return std::filesystem::status(path, unreadable).type() ==
+           std::filesystem::file_type::not_found;
+}
+
 /// Bytes in the file; 0 when there is none or it can't be looked at.
 inline std::uintmax_t fileSize(const std::filesystem::path& file) {
     std::error_code unreadable;

@@ -14,6 +14,10 @@ namespace {
 // The longest packet of any codec that such a file may hold.
 constexpr std::int64_t kMostFramesInAPacket = 16384;
 
+// No codec of such a file knows a higher one; whoever plays makes room in proportion to it. Units:
+// hertz
+constexpr int kHighestSampleRate = 192000;
+
 // A seek goes back this far, for a packet overlaps the one before.
 constexpr FrameCount kPreRollFrames = 8192;
 
@@ -65,8 +69,7 @@ std::int64_t packetsThatAreThere(AVStream* stream, std::int64_t fileBytes) {
     std::int64_t found = 0;
     for (int i = 0; i < avformat_index_get_entries_count(stream); ++i) {
         const AVIndexEntry* const entry = avformat_index_get_entry(stream, i);
-        const std::int64_t end = entry->pos + entry->size;
-        if (entry->size > 0 && end <= fileBytes) ++found;
+        if (entry->size > 0 && entry->pos <= fileBytes - entry->size) ++found;
     }
     return found;
 }
@@ -113,6 +116,8 @@ Result<Track> openTrack(const OpenFile::Shared& file) {
     track.stream = track.input->streams[found];
     const int rate = track.stream->codecpar->sample_rate;
     if (rate <= 0) return Opened::failure("The file's sound track has no sample rate");
+    if (rate > kHighestSampleRate)
+        return Opened::failure("The file's sound track has a senseless sample rate");
     track.info.sampleRate = rate;
     const std::int64_t told =
         track.stream->duration == AV_NOPTS_VALUE

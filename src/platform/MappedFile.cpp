@@ -1,6 +1,5 @@
 #include "platform/MappedFile.h"
 
-#include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,37 +8,23 @@
 #include <cerrno>
 #include <utility>
 
+#include "platform/Descriptors.h"
 #include "platform/SystemError.h"
 
 namespace sonavault {
-namespace {
-
-/// Closes what it holds at the end of the scope: a mapping outlives its descriptor.
-struct Descriptor {
-    int number;
-    explicit Descriptor(int opened) : number(opened) {}
-    ~Descriptor() {
-        if (number >= 0) ::close(number);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-};
-
-}  // namespace
-
 Result<MappedFile> MappedFile::open(const std::filesystem::path& file, Order order) {
-    // Without O_NONBLOCK a pipe under that name would wait for a writer.
-    const Descriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    if (descriptor.number < 0) return Result<MappedFile>::failure(systemWords(errno));
-    return of(descriptor.number, order);
+    const auto opened = openForReading(file);
+    if (!opened) return Result<MappedFile>::failure(opened.error());
+    // The mapping outlives the descriptor.
+    return of(opened.value().number(), order);
 }
 
 Result<MappedFile> MappedFile::of(int descriptor, Order order) {
     using Opened = Result<MappedFile>;
+    if (const auto plain = requirePlainFile(descriptor); !plain)
+        return Opened::failure(plain.error());
     struct stat status {};
     if (::fstat(descriptor, &status) != 0) return Opened::failure(systemWords(errno));
-    if (S_ISDIR(status.st_mode)) return Opened::failure(systemWords(EISDIR));
-    if (!S_ISREG(status.st_mode)) return Opened::failure("Not a plain file");
 
     MappedFile mapped;
     if (status.st_size == 0) return mapped;

@@ -1,29 +1,17 @@
 #include "platform/OpenFile.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 
-#include "platform/SystemError.h"
+#include "platform/Descriptors.h"
 
 namespace sonavault {
 
 Result<OpenFile::Shared> OpenFile::open(const std::filesystem::path& file) {
-    using Opened = Result<Shared>;
-    int descriptor = -1;
-    // Without O_NONBLOCK a pipe under that name would wait for a writer.
-    do descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    while (descriptor < 0 && errno == EINTR);
-    if (descriptor < 0) return Opened::failure(systemWords(errno));
-    // From here on it is closed whatever happens.
-    Shared opened(new OpenFile(file, descriptor));
-    struct stat status {};
-    if (::fstat(descriptor, &status) != 0) return Opened::failure(systemWords(errno));
-    if (S_ISDIR(status.st_mode)) return Opened::failure(systemWords(EISDIR));
-    if (!S_ISREG(status.st_mode)) return Opened::failure("Not a plain file");
-    return opened;
+    auto opened = openForReading(file);
+    if (!opened) return Result<Shared>::failure(opened.error());
+    return Shared(new OpenFile(file, opened.value().release()));
 }
 
 OpenFile::~OpenFile() {

@@ -6,9 +6,12 @@
 #include <QLocale>
 #include <QSettings>
 #include <QString>
+#include <QStringList>
 #include <cmath>
 #include <cstdlib>
 #include <vector>
+
+#include "platform/ReadFile.h"
 
 namespace sonavault {
 namespace {
@@ -28,6 +31,23 @@ std::optional<QString> read(const std::filesystem::path& file, const std::string
     const QVariant value = readAny(file, key);
     if (value.typeId() != QMetaType::QString) return std::nullopt;
     return value.toString();
+}
+
+/// A text with commas that stands in the file without quotes, and so was read as a list, which has
+/// lost the blanks around them. Where the line can't be found as it was written, each comma gets
+/// one blank behind it, as in a sentence.
+std::string asWritten(const std::filesystem::path& file, const std::string& key,
+                      const QStringList& pieces) {
+    const auto content = readWholeFile(file);
+    if (content) {
+        for (const auto& line : QString::fromStdString(content.value()).split('\n')) {
+            const auto equals = line.indexOf('=');
+            if (line.left(equals).trimmed() != QString::fromStdString(key)) continue;
+            const QString text = line.mid(equals + 1).trimmed();
+            if (!text.contains('"') && !text.contains('\\')) return text.toStdString();
+        }
+    }
+    return pieces.join(", ").toStdString();
 }
 
 // Always as text or bytes: in the memory of this process Qt would keep a number a number, and a
@@ -65,9 +85,11 @@ bool Preferences::contains(const std::string& key) const {
 }
 
 std::optional<std::string> Preferences::text(const std::string& key) const {
-    const auto value = read(file_, key);
-    if (!value) return std::nullopt;
-    return value->toStdString();
+    const QVariant value = readAny(file_, key);
+    if (value.typeId() == QMetaType::QStringList)
+        return asWritten(file_, key, value.toStringList());
+    if (value.typeId() != QMetaType::QString) return std::nullopt;
+    return value.toString().toStdString();
 }
 
 std::optional<long long> Preferences::integer(const std::string& key) const {

@@ -9,8 +9,10 @@ namespace sonavault {
 
 /// One preference domain: an INI file that other programs may read and write at any time.
 ///
-/// Each read sees what is on disk at that moment, each write is on disk when it returns (and never
-/// half-written). A value of the wrong kind reads as absent.
+/// Each read sees what is on disk at that moment, each write is on disk when it returns, and never
+/// half-written. What can't be written, on a full disk or in a folder that takes nothing, holds for
+/// this process alone and as long as nobody else writes to the file. A value of the wrong kind
+/// reads as absent.
 ///
 /// Thread: main.
 class Preferences {
@@ -22,6 +24,7 @@ class Preferences {
     static std::filesystem::path fileForDomain(const std::string& domain);
 
     bool contains(const std::string& key) const;
+    /// A comma that a hand wrote without quotes around the text belongs to the text.
     std::optional<std::string> text(const std::string& key) const;
     std::optional<long long> integer(const std::string& key) const;
     std::optional<double> real(const std::string& key) const;

@@ -86,7 +86,7 @@ std::unique_ptr<LAMEEncoder> AudioPipeline::end() {
 }
 
 void AudioPipeline::armNonSilentWatch(NonSilentWatch watch) {
-    std::scoped_lock lock(mutex_);
+    std::scoped_lock lock(watchMutex_);
     nonSilentWatch_ = std::move(watch);
 }
 
@@ -96,6 +96,7 @@ void AudioPipeline::handleSourceBuffer(const AudioBufferView& buffer) {
         std::scoped_lock lock(mutex_);
         report = process(buffer);
     }
+    if (kVerboseTimingDiagnostics) checkWatch(report);
     if (report.db) listener_.level(*report.db);
     for (const auto& line : report.lines) log_.line(line);
     for (const float rms : report.peaks) listener_.peak(rms, kPeakBucketSec);
@@ -114,15 +115,17 @@ AudioPipeline::Report AudioPipeline::process(const AudioBufferView& buffer) {
     if (samples.empty()) return report;  // a converter may hold back a whole small buffer
 
     report.db = decibelsFullScale(rootMeanSquare(samples));
-    if (kVerboseTimingDiagnostics) checkWatch(*report.db, report);
+    if (kVerboseTimingDiagnostics) report.heardAt = clock_.now();
     if (day_) record(samples, report);
     return report;
 }
 
-void AudioPipeline::checkWatch(float db, Report& report) {
+void AudioPipeline::checkWatch(Report& report) {
+    if (!report.db) return;
+    std::scoped_lock lock(watchMutex_);
     if (!nonSilentWatch_) return;
-    if (auto verdict = watchVerdict(*nonSilentWatch_, clock_.now(), db)) {
-        report.lines.push_back(std::move(*verdict));
+    if (auto verdict = watchVerdict(*nonSilentWatch_, report.heardAt, *report.db)) {
+        report.lines.insert(report.lines.begin(), std::move(*verdict));
         nonSilentWatch_.reset();
     }
 }

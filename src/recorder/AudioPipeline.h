@@ -35,7 +35,8 @@ struct OpenDay {
 /// vanished source leaves out is put in as silence, and audio is never dropped to close a surplus.
 ///
 /// Thread: handleSourceBuffer() on the source's thread, all else on the main thread. A short lock
-/// keeps the two apart; no callback runs under it.
+/// keeps the two apart, and is held while a buffer is written; no callback runs under it.
+/// armNonSilentWatch() does not wait for it.
 class AudioPipeline {
   public:
     struct Listener {
@@ -83,13 +84,14 @@ class AudioPipeline {
     /// What a buffer has to say once the lock is released.
     struct Report {
         std::optional<float> db;
+        WallTime heardAt;  // of db, when the buffer had not been written yet
         std::vector<std::string> lines;
         std::vector<float> peaks;
     };
 
     Report process(const AudioBufferView& buffer);
     bool makeResampler(const AudioFormat& source, Report& report);
-    void checkWatch(float db, Report& report);
+    void checkWatch(Report& report);
     void record(std::span<const float> samples, Report& report);
     void padToWallClock(FrameCount incoming, Report& report);
     void write(std::span<const float> samples, Report& report);
@@ -110,6 +112,10 @@ class AudioPipeline {
     std::optional<OpenDay> day_;
     std::optional<PeakBucket> peakBucket_;
     std::optional<WallTime> lastSyncCheckLog_;
+
+    // Under a lock of its own, held for moments only: whoever arms the watch must not wait for a
+    // buffer that is being written.
+    std::mutex watchMutex_;
     std::optional<NonSilentWatch> nonSilentWatch_;
 };
 

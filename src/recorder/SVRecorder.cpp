@@ -23,7 +23,9 @@ SVRecorder::SVRecorder(RecorderServices services)
                [this](NonSilentWatch watch) { pipeline_.armNonSilentWatch(std::move(watch)); }),
       midnightTimer_(services_.clock, services_.log, services_.makeMainTimer(),
                      [this] { handleMidnightRollover(); }),
-      pipeline_(services_.clock, services_.log, pipelineListener()) {
+      pipeline_(services_.clock, services_.log, pipelineListener()),
+      markerInbox_(services_.mainQueue,
+                   [this](const MarkerWire& marker) { markers_.handleIncomingMarker(marker); }) {
     const auto level = SVQualityLevel::current(services_.preferences);
     pipeline_.setActiveSampleRate(level.sampleRate());
     activeBitrateKbps_ = level.bitrateKbps();
@@ -114,10 +116,8 @@ void SVRecorder::startMarkerServer() {
     markerServer_ = services_.makeMarkerLink();
     // Unlike what a link says of itself, what it reported of the day still counts when the source
     // has changed meanwhile.
-    markerServer_->onMarker = [this](const MarkerWire& marker) {
-        services_.mainQueue.post(
-            lifetime_.guard([this, marker] { markers_.handleIncomingMarker(marker); }));
-    };
+    markerServer_->onMarker = [this](const MarkerWire& marker) { markerInbox_.put(marker); };
+    markerServer_->hasRoom = [this] { return markerInbox_.hasRoom(); };
     markerServer_->start();
 }
 

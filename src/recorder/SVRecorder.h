@@ -15,6 +15,7 @@
 #include "platform/MainTimer.h"
 #include "platform/Preferences.h"
 #include "recorder/AudioPipeline.h"
+#include "recorder/MarkerInbox.h"
 #include "recorder/MarkerIngestion.h"
 #include "recorder/MidnightTimer.h"
 #include "recorder/RecorderHost.h"
@@ -150,6 +151,7 @@ class SVRecorder {
     Lifetime lifetime_;
     Lifetime linkLifetime_;
     AudioPipeline pipeline_;
+    MarkerInbox markerInbox_;
     std::unique_ptr<AudioLink> audioServer_;
     std::unique_ptr<MarkerLink> markerServer_;
 };

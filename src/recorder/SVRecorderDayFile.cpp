@@ -76,7 +76,7 @@ bool SVRecorder::openMP3File(const OutputURLs& urls, const AudioFormat& sourceFo
 
     // The first start of the day is the anchor of all later runs, so an existing manifest is never
     // written again.
-    if (!pathExists(urls.json))
+    if (isAbsent(urls.json))
         writeManifest(urls.json, now, clockSecondsSinceMidnight(now), sourceFormat);
     writeCSVHeaderIfNeeded(urls.csv, services_.flusher);
     return true;

@@ -36,7 +36,7 @@ inline int padFrames(FrameCount deficit) {
     return static_cast<int>(std::min<FrameCount>(deficit, kMaxPadFramesPerBuffer));
 }
 
-/// `frames` in milliseconds, rounded half away from zero.
+/// `seconds` in whole milliseconds, rounded half away from zero.
 inline long long roundedMilliseconds(double seconds) {
     return std::llround(seconds * 1000);
 }

@@ -95,13 +95,13 @@ float Playback::playbackLevelDb() const {
 double Playback::endOfAudioSec() const {
     const auto file = day_.loadedFile();
     if (!file) return LoadedDay::timelineDuration();
-    return day_.currentRecordingOffset().value + file->durationSec();
+    return onDay({file->durationSec()}, day_.currentRecordingOffset()).value;
 }
 
 /// The file's frame for a moment of the day; its last one beyond its end.
 FrameCount Playback::frameAt(DaySeconds position) const {
     const auto file = *day_.loadedFile();
-    const double fileSec = std::max(0.0, position.value - day_.currentRecordingOffset().value);
+    const double fileSec = std::max(0.0, inFile(position, day_.currentRecordingOffset()).value);
     const auto last = static_cast<double>(file.frames - 1);
     return static_cast<FrameCount>(std::min(fileSec * file.sampleRate, last));
 }

@@ -57,7 +57,7 @@ Read walkElsewhere(PlaybackSource source, Mp3FrameIndex known) {
 
 /// Nothing where the file has to be walked.
 std::optional<AudioFileInfo> probe(const OpenFile& file, std::int64_t size) {
-    const auto seconds = probeMp3Duration(file.name(), size);
+    const auto seconds = probeMp3Duration(file, size);
     if (!seconds) return std::nullopt;
     std::vector<std::uint8_t> beginning(kBeginning);
     beginning.resize(file.readAt(0, beginning));

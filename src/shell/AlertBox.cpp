@@ -53,22 +53,30 @@ AlertBox::AlertBox(const Alert& alert) : QMessageBox(windowForDialogs()) {
     setType(*this);
     for (const auto& title : alert.buttons)
         buttons_.append(addButton(title, QMessageBox::ActionRole));
-    setDefaultButton(static_cast<QPushButton*>(buttons_.first()));
+    setDefaultButton(buttons_.first());
     setEscapeButton(buttons_.last());
 }
 
 void AlertBox::addAccessory(QWidget* view) {
-    auto& rows = *static_cast<QGridLayout*>(layout());
+    auto* rows = qobject_cast<QGridLayout*>(layout());
     auto* buttons = findChild<QDialogButtonBox*>();
-    rows.removeWidget(buttons);
-    const int row = rows.rowCount();
-    rows.addWidget(view, row, 0, 1, rows.columnCount(), Qt::AlignHCenter);
-    rows.addWidget(buttons, row + 1, 0, 1, rows.columnCount());
+    if (!rows || !buttons) {
+        // A box of another make: below everything the view can still be seen and used.
+        view->setParent(this);
+        if (layout()) layout()->addWidget(view);
+        return;
+    }
+    rows->removeWidget(buttons);
+    const int row = rows->rowCount();
+    rows->addWidget(view, row, 0, 1, rows->columnCount(), Qt::AlignHCenter);
+    rows->addWidget(buttons, row + 1, 0, 1, rows->columnCount());
 }
 
 int AlertBox::showModally() {
     exec();
-    return static_cast<int>(buttons_.indexOf(clickedButton()));
+    for (int index = 0; index < buttons_.size(); ++index)
+        if (buttons_[index] == clickedButton()) return index;
+    return static_cast<int>(buttons_.size()) - 1;
 }
 
 }  // namespace sonavault

@@ -21,12 +21,12 @@ class AlertBox final : public QMessageBox {
     /// Puts a view of fixed size between the text and the buttons. Owns: this box, from here on.
     void addAccessory(QWidget* view);
 
-    /// Gives the index of the button chosen; the last one when the alert was closed without a
-    /// choice.
+    /// Gives the index of the button chosen; the last one when the alert ended without a choice,
+    /// closed by the person or by the program.
     int showModally();
 
   private:
-    QList<QAbstractButton*> buttons_;
+    QList<QPushButton*> buttons_;
 };
 
 }  // namespace sonavault

@@ -1,12 +1,12 @@
 #include <QApplication>
 #include <clocale>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "platform/BrokenPipes.h"
 #include "platform/SingleInstance.h"
 #include "shell/AppDelegate.h"
 #include "shell/CommandLine.h"
@@ -21,13 +21,6 @@ using namespace sonavault;
 /// The first lines of a log that somebody captures must not wait for a full buffer.
 void makeOutputLineBuffered() {
     for (std::FILE* stream : {stdout, stderr}) std::setvbuf(stream, nullptr, _IOLBF, BUFSIZ);
-}
-
-/// A peer or a reader that goes away is an error to handle, not an end.
-void ignoreBrokenPipes() {
-#ifdef SIGPIPE
-    std::signal(SIGPIPE, SIG_IGN);
-#endif
 }
 
 void say(std::FILE* stream, const std::string& text) {

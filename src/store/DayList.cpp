@@ -171,9 +171,19 @@ void DayList::loadTodayIfOwed(const std::string& today) {
     if (!isStillWanted || host_.loadedFileURL()) owedLoad_.reset();
 }
 
+int DayList::liveMarkerCount(const std::filesystem::path& audio) {
+    const auto log = sidecarURL(audio, kMarkerLogSuffix);
+    // Before the log is read, so that a row that comes meanwhile is not missed the next time.
+    const auto stamp = fileStamp(log);
+    if (!stamp) return 0;
+    if (!counted_ || counted_->log != log || counted_->stamp != *stamp)
+        counted_ = CountedLog{log, *stamp, countMarkerLines(log)};
+    return counted_->count;
+}
+
 void DayList::refreshRow(DailyRecording& row) {
     const auto duration = liveDurationLabel(row.date);
-    const int count = row.audioURL ? markerCountOf(*row.audioURL) : row.markerCount;
+    const int count = row.audioURL ? liveMarkerCount(*row.audioURL) : row.markerCount;
     const bool hasNewMarkers = count != row.markerCount;
     if (duration == row.recorded && !hasNewMarkers) return;
     row.recorded = duration;

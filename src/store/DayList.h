@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/Clock.h"
+#include "platform/FileStamp.h"
 #include "platform/Log.h"
 #include "platform/Throttle.h"
 #include "store/AudioLengthCache.h"
@@ -79,6 +80,14 @@ class DayList {
     bool isBeingRecorded(const DailyRecording& row) const;
     bool confirmsDeletion(const DailyRecording& row);
     void deleteFilesOf(const DailyRecording& row);
+    int liveMarkerCount(const std::filesystem::path& audio);
+
+    /// What was last counted for a row that is looked at again and again.
+    struct CountedLog {
+        std::filesystem::path log;
+        FileStamp stamp;
+        int count;
+    };
 
     const StationFolder& station_;
     const Clock& clock_;
@@ -88,6 +97,7 @@ class DayList {
 
     std::vector<DailyRecording> dailyRecordings_;
     std::string selectedDate_ = "2026-05-08";
+    std::optional<CountedLog> counted_;
     Throttle lastLiveRowRefresh_{kLiveRowRefreshIntervalSec};
     /// Today's file, when it could not be put under review yet: still empty when the list met it.
     std::optional<std::filesystem::path> owedLoad_;

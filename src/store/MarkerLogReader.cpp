@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 
 #include "platform/ReadFile.h"
 
@@ -63,15 +64,6 @@ bool isUtf8(std::string_view text) {
     return QUtf8StringView(text.data(), static_cast<qsizetype>(text.size())).isValidUtf8();
 }
 
-/// Nothing for what is no plain file: a pipe under a log's name would be waited for.
-std::optional<std::string> textOf(const std::filesystem::path& log) {
-    std::error_code unreadable;
-    if (!std::filesystem::is_regular_file(log, unreadable)) return std::nullopt;
-    auto bytes = readWholeFile(log);
-    if (!bytes) return std::nullopt;
-    return std::move(bytes.value());
-}
-
 }  // namespace
 
 std::vector<std::string> parseCSVRow(std::string_view line) {
@@ -114,20 +106,31 @@ std::optional<double> markerTimeSec(std::string_view timestamp) {
     return seconds;
 }
 
+std::optional<std::string> readMarkerLogText(const std::filesystem::path& log) {
+    auto bytes = readWholeFile(log);
+    if (!bytes || !isUtf8(bytes.value())) return std::nullopt;
+    return std::move(bytes.value());
+}
+
+void forEachMarkerRow(std::string_view text, const std::function<void(std::string_view)>& visit) {
+    bool isHeader = true;
+    forEachLine(text, [&](std::string_view line) {
+        if (!isHeader) visit(line);
+        isHeader = false;
+    });
+}
+
 std::optional<std::vector<Marker>> parseMarkerText(std::string_view text) {
     if (!isUtf8(text)) return std::nullopt;
     std::vector<Marker> markers;
-    bool isHeader = true;
-    forEachLine(text, [&](std::string_view line) {
-        if (!isHeader)
-            if (auto marker = markerIn(line)) markers.push_back(std::move(*marker));
-        isHeader = false;
+    forEachMarkerRow(text, [&](std::string_view row) {
+        if (auto marker = markerIn(row)) markers.push_back(std::move(*marker));
     });
     return markers;
 }
 
 std::optional<std::vector<Marker>> parseMarkerCSV(const std::filesystem::path& log) {
-    const auto text = textOf(log);
+    const auto text = readMarkerLogText(log);
     return text ? parseMarkerText(*text) : std::nullopt;
 }
 
@@ -139,7 +142,7 @@ int countMarkerRows(std::string_view text) {
 }
 
 int countMarkerLines(const std::filesystem::path& log) {
-    const auto text = textOf(log);
+    const auto text = readMarkerLogText(log);
     return text ? countMarkerRows(*text) : 0;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,6 +23,12 @@ std::vector<std::string> parseCSVRow(std::string_view line);
 /// that read as integers, when there are exactly three. No range is tested, so that "24:00:00"
 /// passes, and "08:00:00.5" doesn't.
 std::optional<double> markerTimeSec(std::string_view timestamp);
+
+/// The text of a log. Errors: nothing, when the file can't be read as UTF-8 text.
+std::optional<std::string> readMarkerLogText(const std::filesystem::path& log);
+
+/// Gives `visit` each row of a log with this content, its header and empty lines left out.
+void forEachMarkerRow(std::string_view text, const std::function<void(std::string_view)>& visit);
 
 /// The markers of a log with this content, in the order of the log; damaged rows are left out.
 /// Errors: nothing, when the text is not UTF-8 throughout.

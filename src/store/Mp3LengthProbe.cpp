@@ -1,7 +1,6 @@
 #include "store/Mp3LengthProbe.h"
 
 #include <algorithm>
-#include <fstream>
 #include <vector>
 
 #include "platform/AudioFileInfo.h"
@@ -28,18 +27,14 @@ std::optional<double> secondsOf(std::span<const std::uint8_t> stream) {
 
 class Mp3LengthProbe {
   public:
-    Mp3LengthProbe(const std::filesystem::path& file, std::int64_t size)
-        : size_(size), longestTrusted_(std::max(size / kStretches, kWalkedBytes)) {
-        // A buffer would read on behind each place.
-        in_.rdbuf()->pubsetbuf(nullptr, 0);
-        in_.open(file, std::ios::binary);
-    }
+    Mp3LengthProbe(const OpenFile& file, std::int64_t size)
+        : file_(file), size_(size), longestTrusted_(std::max(size / kStretches, kWalkedBytes)) {}
 
     std::optional<double> duration();
 
   private:
     /// Nothing when the file has become shorter.
-    std::optional<Bytes> read(std::int64_t begin, std::int64_t end);
+    std::optional<Bytes> read(std::int64_t begin, std::int64_t end) const;
     std::optional<Mp3Place> findPlace(std::int64_t begin, std::int64_t bytes);
     std::optional<Mp3Place> findFirstPlace();
     std::optional<Mp3Place> findLastPlace();
@@ -50,7 +45,7 @@ class Mp3LengthProbe {
     std::optional<double> halved(const Mp3Place& from, const Mp3Place& to);
     std::optional<double> walked(std::int64_t from, const Mp3Place& to);
 
-    std::ifstream in_;
+    const OpenFile& file_;
     const std::int64_t size_;
     const std::int64_t longestTrusted_;
     std::int64_t placeBytes_ = 0;  // room for a place among frames as in the beginning
@@ -70,11 +65,9 @@ std::optional<double> Mp3LengthProbe::duration() {
     return *before + *amid + *after;
 }
 
-std::optional<Bytes> Mp3LengthProbe::read(std::int64_t begin, std::int64_t end) {
+std::optional<Bytes> Mp3LengthProbe::read(std::int64_t begin, std::int64_t end) const {
     Bytes bytes(static_cast<std::size_t>(end - begin));
-    in_.seekg(begin);
-    in_.read(reinterpret_cast<char*>(bytes.data()), end - begin);
-    if (!in_) return std::nullopt;
+    if (file_.readAt(begin, bytes) < bytes.size()) return std::nullopt;
     return bytes;
 }
 
@@ -134,6 +127,11 @@ std::optional<double> Mp3LengthProbe::walked(std::int64_t from, const Mp3Place& 
 }  // namespace
 
 std::optional<double> probeMp3Duration(const std::filesystem::path& file, std::int64_t size) {
+    const auto opened = OpenFile::open(file);
+    return opened ? probeMp3Duration(*opened.value(), size) : std::nullopt;
+}
+
+std::optional<double> probeMp3Duration(const OpenFile& file, std::int64_t size) {
     // Reading so little whole is as fast, and sure.
     if (size < 2 * kWalkedBytes) return std::nullopt;
     return Mp3LengthProbe(file, size).duration();

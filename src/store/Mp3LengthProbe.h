@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <optional>
 
+#include "platform/OpenFile.h"
+
 namespace sonavault {
 
 /// How long the first `size` bytes of a day's MP3 sound, learnt from a few places of it instead of
@@ -21,6 +23,9 @@ namespace sonavault {
 ///
 /// Thread: any. Units: seconds. Errors: nothing, when the file can't be read or is no such stream:
 /// it has to be walked.
+std::optional<double> probeMp3Duration(const OpenFile& file, std::int64_t size);
+
+/// The same of the file that has that name now.
 std::optional<double> probeMp3Duration(const std::filesystem::path& file, std::int64_t size);
 
 }  // namespace sonavault

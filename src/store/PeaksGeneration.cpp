@@ -11,6 +11,7 @@
 
 #include "platform/M4aDecoder.h"
 #include "platform/Mp3Decoder.h"
+#include "platform/OpenFile.h"
 #include "platform/SampleMath.h"
 #include "platform/ThisThread.h"
 
@@ -122,7 +123,10 @@ PeaksGenerator::Known PeaksGenerator::takeKnown() {
 }
 
 PeaksResult PeaksGenerator::generateMp3(Known known, const std::stop_token& stop) {
-    const auto unchanged = known.index.extend(stop);
+    // One file for the walk and for the decoders, whatever takes its name meanwhile.
+    const auto file = OpenFile::open(known.index.file());
+    if (!file) return PeaksResult::failure(passedOn(file.error()));
+    const auto unchanged = known.index.extend(*file.value(), stop);
     if (!unchanged) return PeaksResult::failure(passedOn(unchanged.error()));
     const AudioFileInfo info = known.index.info();
     const auto grid = PeakGrid::of(info.sampleRate, known.bucketSec, info.frames);
@@ -133,7 +137,8 @@ PeaksResult PeaksGenerator::generateMp3(Known known, const std::stop_token& stop
     if (!makeRoom(known.rms, grid->count())) return PeaksResult::failure(noReadBuffer());
 
     const auto index = std::make_shared<const Mp3FrameIndex>(known.index);
-    const auto error = measure([index] { return openMp3(index); }, *grid, kept, known.rms, stop);
+    const auto open = [index, opened = file.value()] { return openMp3(index, opened); };
+    const auto error = measure(open, *grid, kept, known.rms, stop);
     if (error) return PeaksResult::failure(*error);
 
     PeaksData peaks = recordOf(*grid, info.sampleRate, known.rms);

@@ -1,6 +1,9 @@
 #include "platform/AppendFile.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <string>
 #include <vector>
@@ -66,11 +69,27 @@ TEST(AppendFile, says_why_it_cannot_be_opened) {
     EXPECT_EQ(missing.error(), "No such file or directory");
 }
 
-TEST(AppendFile, says_when_the_disk_is_full) {
+TEST(AppendFile, waits_for_nobody_at_a_pipe) {
+    TempFolder folder;
     DiskFlusher flusher;
-    const auto file = opened("/dev/full", flusher);
+    const auto pipe = folder / "day.mp3";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(AppendFile::open(pipe, flusher).error(), "No such device or address");
+    const int reader = ::open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
+    ASSERT_GE(reader, 0);
+    EXPECT_EQ(AppendFile::open(pipe, flusher).error(), "Not a plain file");
+    EXPECT_EQ(AppendFile::open("/dev/null", flusher).error(), "Not a plain file");
+    ::close(reader);
+}
+
+TEST(AppendFile, says_when_the_disk_is_full) {
+    TempFolder folder;
+    DiskFlusher flusher;
+    const auto file = opened(folder / "day.mp3", flusher);
+    const FileSizeLimit full(0);
     EXPECT_FALSE(file->write(bytes("one")));
     EXPECT_TRUE(file->write({}));
+    EXPECT_EQ(readFile(folder / "day.mp3"), "");
 }
 
 TEST(AppendFile, says_when_only_a_part_was_taken_and_goes_on_when_there_is_room_again) {

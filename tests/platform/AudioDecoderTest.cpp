@@ -312,6 +312,15 @@ TEST_F(AudioDecoderOf, a_legacy_day_that_is_cut_or_damaged_gives_an_error_or_its
     }
 }
 
+TEST_F(AudioDecoderOf, a_legacy_day_of_a_senseless_rate_is_an_error_in_words) {
+    const auto highest = made("192.m4a", "anullsrc=r=192000:cl=mono", "-t 1 -f mov -c:a pcm_s16le");
+    EXPECT_EQ(lengthOf(highest), 192000);
+    const auto beyond = made("384.m4a", "anullsrc=r=384000:cl=mono", "-t 1 -f mov -c:a pcm_s16le");
+    EXPECT_EQ(readAudioFileInfo(beyond).error(),
+              "The file's sound track has a senseless sample rate");
+    EXPECT_FALSE(AudioDecoder::open(beyond));
+}
+
 TEST_F(AudioDecoderOf, what_is_no_legacy_day_is_an_error_in_words) {
     writeFile(folder / "empty.m4a", "");
     writeFile(folder / "text.m4a", "A text is no sound.\n");

@@ -59,6 +59,17 @@ TEST_F(PreferencesFile, gives_back_any_text) {
     }
 }
 
+TEST_F(PreferencesFile, takes_a_comma_that_a_hand_wrote_without_quotes_for_text) {
+    for (const std::string text :
+         {"/srv/Radio, Main", "/srv/Radio,Main", "/srv/a , b,  c", "/srv/Zürich, Höngg"}) {
+        rewrite("[General]\nOther=1, 2\nPath = " + text + " \nLast=x\n");
+        EXPECT_EQ(preferences_.text("Path"), text);
+        EXPECT_EQ(preferences_.integer("Path"), std::nullopt);
+    }
+    rewrite("[General]\nPath=/srv/\"Radio\" , Main\n");
+    EXPECT_EQ(preferences_.text("Path"), "/srv/Radio, Main");
+}
+
 TEST_F(PreferencesFile, gives_back_any_bytes) {
     std::string all;
     for (int i = 0; i < 256; ++i) all += static_cast<char>(i);
@@ -140,7 +151,8 @@ TEST_F(PreferencesFile, reads_what_a_person_typed) {
         EXPECT_EQ(preferences_.real(key), std::nullopt) << key;
         EXPECT_EQ(preferences_.boolean(key), std::nullopt) << key;
     }
-    for (const auto key : {"List", "Bytes", "Nothing"})
+    EXPECT_EQ(preferences_.text("List"), "a, b") << "an unquoted comma, and no list";
+    for (const auto key : {"Bytes", "Nothing"})
         EXPECT_EQ(preferences_.text(key), std::nullopt) << key;
     EXPECT_EQ(preferences_.real("Endless"), std::nullopt);
     EXPECT_EQ(preferences_.real("Nan"), std::nullopt);

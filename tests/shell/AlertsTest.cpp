@@ -80,6 +80,12 @@ TEST_F(AlertsTest, takes_return_for_the_first_button_and_escape_for_the_last) {
     EXPECT_EQ(show(question, [](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Escape); }), 1);
 }
 
+TEST_F(AlertsTest, takes_an_end_without_a_button_for_the_last) {
+    const Alert question{.message = "Delete this card?", .buttons = {"Delete", "Keep", "Cancel"}};
+    EXPECT_EQ(show(question, [](QMessageBox& box) { box.done(0); }), 2) << "as a quit ends it";
+    EXPECT_EQ(show(question, [](QMessageBox& box) { box.close(); }), 2);
+}
+
 TEST_F(AlertsTest, needs_no_more_than_escape_when_there_is_one_button) {
     EXPECT_EQ(show({.message = "No recording yet"},
                    [](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Escape); }),

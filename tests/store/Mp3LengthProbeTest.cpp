@@ -135,5 +135,17 @@ TEST_F(Mp3LengthProbeTest, counts_a_growing_file_up_to_the_size_it_was_told) {
     EXPECT_NEAR(*probed, 15'000 * 0.036, kNoDifference);
 }
 
+TEST_F(Mp3LengthProbeTest, looks_at_the_file_in_hand_and_not_at_what_has_its_name_now) {
+    const std::string stream = dayRun(20'000, kGood);
+    writeFile(file_, stream);
+    const auto opened = OpenFile::open(file_);
+    ASSERT_TRUE(opened);
+    std::filesystem::remove(file_);
+    writeFile(file_, std::string(stream.size(), 'x'));
+    const auto probed = probeMp3Duration(*opened.value(), static_cast<std::int64_t>(stream.size()));
+    ASSERT_TRUE(probed);
+    EXPECT_NEAR(*probed, 20'000 * 0.036, kNoDifference);
+}
+
 }  // namespace
 }  // namespace sonavault::testing
