@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 
+#include "platform/Descriptors.h"
 #include "platform/ProcessTable.h"
 #include "platform/SystemError.h"
 
@@ -28,16 +29,6 @@ std::filesystem::path temporaryBeside(const std::filesystem::path& file) {
     name += std::to_string(::getpid()) + "-" + std::to_string(count++);
     name += kTemporarySuffix;
     return file.parent_path() / name;
-}
-
-bool writeAll(int descriptor, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const auto taken = ::write(descriptor, bytes.data(), bytes.size());
-        if (taken < 0 && errno == EINTR) continue;
-        if (taken < 0) return false;
-        bytes.remove_prefix(static_cast<std::size_t>(taken));
-    }
-    return true;
 }
 
 /// 0, or the number of the error that kept the new file behind `descriptor` from being filled.
@@ -91,7 +82,8 @@ int flushToDisk(int descriptor) {
 Outcome writeFileThroughToDisk(const std::filesystem::path& file, std::string_view bytes,
                                const FillFile& flush) {
     return writeFileAtomically(file, [&](int descriptor) {
-        return writeAll(descriptor, bytes) ? flush(descriptor) : errno;
+        const int writing = writeAll(descriptor, bytes);
+        return writing ? writing : flush(descriptor);
     });
 }
 
@@ -106,8 +98,8 @@ void removeAbandonedTemporaries(const std::filesystem::path& folder) {
 }
 
 Outcome writeFileAtomically(const std::filesystem::path& file, std::string_view bytes) {
-    return writeFileAtomically(
-        file, [bytes](int descriptor) { return writeAll(descriptor, bytes) ? 0 : errno; });
+    return writeFileAtomically(file,
+                               [bytes](int descriptor) { return writeAll(descriptor, bytes); });
 }
 
 Outcome writeFileAtomically(const std::filesystem::path& file, const FillFile& fill) {

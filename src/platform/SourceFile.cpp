@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/AtomicFile.h"
+#include "platform/Descriptors.h"
 #include "platform/FileQueries.h"
 #include "platform/FileStamp.h"
 #include "platform/SystemError.h"
@@ -42,17 +43,6 @@ int copyBySystem(int from, int to, ByteRange& rest, const std::stop_token& stop)
     return 0;
 }
 
-int writeAll(int to, const char* bytes, std::size_t count) {
-    while (count > 0) {
-        const auto taken = ::write(to, bytes, count);
-        if (taken < 0 && errno == EINTR) continue;
-        if (taken < 0) return errno;
-        bytes += taken;
-        count -= static_cast<std::size_t>(taken);
-    }
-    return 0;
-}
-
 CopyError copyByProcess(int from, int to, ByteRange& rest, const std::stop_token& stop) {
     std::vector<char> piece(static_cast<std::size_t>(std::min(rest.size(), kProcessPiece)));
     while (rest.size() > 0) {
@@ -63,7 +53,7 @@ CopyError copyByProcess(int from, int to, ByteRange& rest, const std::stop_token
         if (read < 0) return {errno, true};
         // The file was cut short since it was opened.
         if (read == 0) return {ENODATA, true};
-        if (const int error = writeAll(to, piece.data(), static_cast<std::size_t>(read)))
+        if (const int error = writeAll(to, {piece.data(), static_cast<std::size_t>(read)}))
             return {error};
         rest.begin += read;
     }

@@ -41,7 +41,7 @@ bool isEmptyFile(const std::filesystem::path& log) {
 }  // namespace
 
 void writeCSVHeaderIfNeeded(const std::filesystem::path& log, DiskFlusher& flusher) {
-    if (pathExists(log) && !isEmptyFile(log)) return;
+    if (!isAbsent(log) && !isEmptyFile(log)) return;
     if (writeFileAtomically(log, kMarkerLogHeader)) flusher.flushSoon(log);
 }
 

@@ -5,6 +5,8 @@
 namespace sonavault {
 namespace {
 
+using testing::at;
+
 class WaveformCache : public testing::RecorderFixture {
   protected:
     /// As somebody who looks at the day meanwhile leaves it.
