@@ -75,7 +75,7 @@ TEST_F(TimelineDeskTest, follows_the_markers_of_the_day_that_is_loaded) {
 }
 
 TEST_F(TimelineDeskTest, tells_no_longer_of_the_day_before_one_that_cannot_be_opened) {
-    haveDay("2026-03-01");
+    haveDay("2026-03-01", morning_);
     launch();
     writeFile(fileOf("2026-02-28", "mp3"), "");
     controller().review().days().reloadDailyRecordings();
@@ -90,7 +90,7 @@ TEST_F(TimelineDeskTest, tells_no_longer_of_the_day_before_one_that_cannot_be_op
 }
 
 TEST_F(TimelineDeskTest, tells_no_longer_of_the_only_day_once_it_is_deleted) {
-    haveDay("2026-03-01");
+    haveDay("2026-03-01", morning_);
     launch();
     playback().jumpTo({36'035});
     ASSERT_EQ(text("nowPlayingLabel"), "Now playing: Stopset — Spots");
