@@ -41,10 +41,9 @@ AppendFile::~AppendFile() {
 
 bool AppendFile::write(std::span<const std::uint8_t> bytes) {
     if (bytes.empty()) return true;
-    const int error =
-        writeAll(descriptor_->fd, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
-    // Behind the write, and also where only a part was taken: the flusher may be at work.
-    descriptor_->dirty = true;
+    const int error = appendAllOrNothing(
+        descriptor_->fd, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    descriptor_->dirty = true;  // behind the write: the flusher may be at work
     return error == 0;
 }
 

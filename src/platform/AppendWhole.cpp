@@ -12,17 +12,6 @@
 namespace sonavault {
 namespace {
 
-/// 0, or the number of the error that kept the bytes out of the file.
-int writeOrTakeBack(int descriptor, std::string_view bytes) {
-    const off_t end = ::lseek(descriptor, 0, SEEK_END);
-    if (end < 0) return errno;
-    const int error = writeAll(descriptor, bytes);
-    // Half a row would spoil the next one too. Where taking it back fails there is nothing left to
-    // try.
-    [[maybe_unused]] const int takenBack = error ? ::ftruncate(descriptor, end) : 0;
-    return error;
-}
-
 /// As a process leaves a file that is killed while it writes.
 bool endsInMidLine(int descriptor) {
     const off_t end = ::lseek(descriptor, 0, SEEK_END);
@@ -39,8 +28,8 @@ Outcome appendWholeLine(const std::filesystem::path& file, std::string_view line
     while (descriptor < 0 && errno == EINTR);
     if (descriptor < 0) return Outcome::failure(systemWords(errno));
     const int writing = endsInMidLine(descriptor)
-                            ? writeOrTakeBack(descriptor, '\n' + std::string(line))
-                            : writeOrTakeBack(descriptor, line);
+                            ? appendAllOrNothing(descriptor, '\n' + std::string(line))
+                            : appendAllOrNothing(descriptor, line);
     // Some file systems report a full disk only here.
     const int closing = ::close(descriptor) == 0 ? 0 : errno;
     if (const int error = writing ? writing : closing) return Outcome::failure(systemWords(error));

@@ -39,4 +39,8 @@ Outcome requirePlainFile(int descriptor);
 /// when there was none. A disk that takes nothing counts as full.
 int writeAll(int descriptor, std::string_view bytes);
 
+/// The same at the end of a file that nobody else writes to, and takes back the part that was
+/// written when not all could be.
+int appendAllOrNothing(int descriptor, std::string_view bytes);
+
 }  // namespace sonavault
