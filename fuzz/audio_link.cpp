@@ -66,7 +66,7 @@ Heard expected(const Bytes& bytes) {
     const std::uint32_t channels = wordAt(bytes, 4, order);
     const auto rate = static_cast<double>(wordAt(bytes, 0, order));
     heard.agreed.push_back({{rate, static_cast<int>(channels), true}, !little});
-    const std::size_t words = (bytes.size() - 12) / (channels * 4) * channels;
+    const std::size_t words = (bytes.size() - 12) / (channels * std::size_t{4}) * channels;
     for (std::size_t i = 0; i < words; ++i) heard.words.push_back(wordAt(bytes, 12 + 4 * i, order));
     return heard;
 }

@@ -97,7 +97,7 @@ std::vector<Selection> aircheckSegmentsIn(std::string_view markerLog, AircheckMo
 std::vector<Selection> computeAircheckSegments(const std::optional<std::filesystem::path>& audio,
                                                AircheckMode mode) {
     if (!audio) return {};
-    const auto text = readMarkerLogText(sidecarURL(*audio, "csv"));
+    const auto text = readMarkerLogText(markerLogURL(*audio));
     return text ? aircheckSegmentsIn(*text, mode) : std::vector<Selection>{};
 }
 

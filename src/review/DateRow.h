@@ -13,7 +13,6 @@ namespace sonavault {
 
 // What the list of days shows of one day. Units: points
 
-inline constexpr double kDateListWidth = 280;
 inline constexpr double kDateListHeaderHeight = 36;
 inline constexpr double kDayProgressHeight = 2;
 

@@ -95,7 +95,7 @@ void LoadedDay::loadMarkersForLoadedRecording() {
     allMarkers_.clear();
     if (loadedFileURL_)
         allMarkers_ =
-            parseMarkerCSV(sidecarURL(*loadedFileURL_, "csv")).value_or(std::vector<Marker>{});
+            parseMarkerCSV(markerLogURL(*loadedFileURL_)).value_or(std::vector<Marker>{});
     refreshMarkerLanes();
 }
 

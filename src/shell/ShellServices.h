@@ -7,6 +7,7 @@
 #include "platform/AudioOutput.h"
 #include "platform/Preferences.h"
 #include "recorder/SVRecorder.h"
+#include "review/TimelineRows.h"
 #include "shell/Alerts.h"
 #include "shell/ExportDialogs.h"
 #include "shell/StationHub.h"
@@ -27,7 +28,8 @@ inline bool autoResumesOnLaunch(const Preferences& preferences) {
 /// did. Units: points
 inline double restoredActionBarHeight(const Preferences& preferences) {
     const double stored = preferences.real(kActionBarHeightKey).value_or(0);
-    return stored > 0 ? std::clamp(stored, 50.0, 180.0) : 50.0;
+    return stored > 0 ? std::clamp(stored, kSummaryBarHeight, kSummaryBarHeightMax)
+                      : kSummaryBarHeight;
 }
 
 /// What the program works with: the machine's own in real life, a test's otherwise. All of it

@@ -90,7 +90,7 @@ void StationIntegration::publishCurrentRecordingState() {
     if (recorder && recorder->lastRecordingURL()) {
         const auto& audio = *recorder->lastRecordingURL();
         state["audioURL"] = qString(audio.string());
-        state["csvURL"] = qString(sidecarURL(audio, "csv").string());
+        state["csvURL"] = qString(markerLogURL(audio).string());
     }
     if (const auto count = facts_.todaysMarkerCount()) state["markerCount"] = *count;
     hub_.stateSet(kSwitchboardStateKeyCurrentRecording, state);

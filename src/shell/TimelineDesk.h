@@ -15,6 +15,7 @@
 #include "shell/ShellServices.h"
 #include "views/DateListView.h"
 #include "views/KeyResponderView.h"
+#include "views/LogsTabView.h"
 #include "views/TimelineHost.h"
 
 namespace sonavault {

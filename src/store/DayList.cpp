@@ -14,10 +14,8 @@ namespace sonavault {
 
 namespace {
 
-constexpr auto kMarkerLogSuffix = "csv";
-
 int markerCountOf(const std::filesystem::path& audio) {
-    return countMarkerLines(sidecarURL(audio, kMarkerLogSuffix));
+    return countMarkerLines(markerLogURL(audio));
 }
 
 DailyRecording rowFor(const std::filesystem::path& audio, const std::string& label,
@@ -172,7 +170,7 @@ void DayList::loadTodayIfOwed(const std::string& today) {
 }
 
 int DayList::liveMarkerCount(const std::filesystem::path& audio) {
-    const auto log = sidecarURL(audio, kMarkerLogSuffix);
+    const auto log = markerLogURL(audio);
     // Before the log is read, so that a row that comes meanwhile is not missed the next time.
     const auto stamp = fileStamp(log);
     if (!stamp) return 0;

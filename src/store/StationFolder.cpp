@@ -15,6 +15,10 @@ std::filesystem::path sidecarURL(const std::filesystem::path& audio, const std::
     return std::filesystem::path(audio).replace_extension(suffix);
 }
 
+std::filesystem::path markerLogURL(const std::filesystem::path& audio) {
+    return sidecarURL(audio, "csv");
+}
+
 std::optional<std::filesystem::path> StationFolder::stationPath() const {
     if (const auto chosen = shared_.text(kStationFolderKey);
         chosen && !chosen->empty() && pathExists(*chosen))

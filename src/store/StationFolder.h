@@ -23,6 +23,9 @@ struct OutputURLs {
 /// The sidecar of an audio file: the same name with another suffix ("json", "csv", "peaks").
 std::filesystem::path sidecarURL(const std::filesystem::path& audio, const std::string& suffix);
 
+/// The day's marker log beside its audio.
+std::filesystem::path markerLogURL(const std::filesystem::path& audio);
+
 /// The folder that the automation and its sibling programs share, and the places in it where a
 /// day's files lie.
 ///

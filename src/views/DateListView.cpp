@@ -4,6 +4,7 @@
 #include <QScrollBar>
 #include <algorithm>
 
+#include "review/LogsTabLayout.h"
 #include "views/DateListAccessible.h"
 #include "views/DateRowView.h"
 #include "views/Hints.h"

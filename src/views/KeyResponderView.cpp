@@ -61,11 +61,9 @@ void KeyResponderView::buildTabBar() {
     tabBar_->onSelectionChanged = [this](const std::string& id) { tabSelected(id); };
 }
 
-void KeyResponderView::setTabs(LogsTabView* logs, QWidget* airchecks) {
-    logsTabView_ = logs;
+void KeyResponderView::setTabs(QWidget* logs, QWidget* airchecks) {
     logsPage_ = logs;
     airchecksPage_ = airchecks;
-    if (logsPage_) logsPage_->setObjectName(QStringLiteral("logsTabView"));
     if (airchecksPage_) airchecksPage_->setObjectName(QStringLiteral("airchecksTabView"));
     for (QWidget* page : {logsPage_, airchecksPage_}) {
         if (page) page->setParent(this);

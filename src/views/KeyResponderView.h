@@ -7,7 +7,6 @@
 
 #include "views/BannerView.h"
 #include "views/HintFinder.h"
-#include "views/LogsTabView.h"
 #include "views/SVTabBarView.h"
 #include "views/StatusBarView.h"
 
@@ -30,9 +29,8 @@ class KeyResponderView final : public QWidget {
     std::function<void()> onSettingsClicked;
 
     /// Gives the tabs their contents, once. Owns: both from here on.
-    void setTabs(LogsTabView* logs, QWidget* airchecks);
+    void setTabs(QWidget* logs, QWidget* airchecks);
 
-    LogsTabView& logsTab() { return *logsTabView_; }
     StatusBarView& statusBar() { return *statusBarView_; }
 
     /// The tab that is shown: "logs" or "airchecks".
@@ -63,7 +61,6 @@ class KeyResponderView final : public QWidget {
     QWidget* logsPage_ = nullptr;
     QWidget* airchecksPage_ = nullptr;
     StatusBarView* statusBarView_;
-    LogsTabView* logsTabView_ = nullptr;
     std::string activeTab_ = "logs";
 
     std::optional<QPoint> pointer_;  ///< while it is over this view

@@ -138,10 +138,6 @@ bool LanesScrollView::eventFilter(QObject* watched, QEvent* event) {
     return QScrollArea::eventFilter(watched, event);
 }
 
-void LanesScrollView::showFocus(Qt::FocusReason reason) {
-    focusRing_->setVisible(reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason);
-}
-
 bool LanesScrollView::focusNextPrevChild(bool next) {
     // A scroll area brings what has the keyboard into view, which here is the middle of the day.
     const double x = scrollX();

@@ -38,7 +38,6 @@ class LanesScrollView final : public QScrollArea {
   private:
     void setScrollX(double x);
     void pan(QPointF delta);
-    void showFocus(Qt::FocusReason reason);
 
     TimelineHost& host_;
     LanesInnerView* inner_;  ///< the scroll area owns it

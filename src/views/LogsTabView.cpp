@@ -74,12 +74,8 @@ void LogsTabView::setNames() {
 }
 
 void LogsTabView::setHints() {
-    setSvHint(*dateListScroll_,
-              QStringLiteral("Days Sonavault has recorded — click any date to load that day."));
     setSvHint(*vuMeterL_, QStringLiteral("Live VU meter, left channel."));
     setSvHint(*vuMeterR_, QStringLiteral("Live VU meter, right channel."));
-    setSvHint(*actionBarResizeHandle_,
-              QStringLiteral("Drag up or down to resize the bottom transport area."));
     setSvHint(*exportSelectionsButton_,
               QStringLiteral("Export every selection on this day as separate MP3 airchecks."));
 }

@@ -75,7 +75,10 @@ TEST_F(PreferencesFile, gives_back_any_bytes) {
     for (int i = 0; i < 256; ++i) all += static_cast<char>(i);
     for (const std::string& bytes :
          {std::string(), std::string("[]"), std::string(R"([{"label":"Früh, \"a\""}])"), all,
-          std::string("a)b("), std::string("\0001", 5)}) {
+          std::string("a)b("),
+          std::string("\0"
+                      "0001",
+                      5)}) {
         preferences_.setBytes("Bytes", bytes);
         EXPECT_EQ(preferences_.bytes("Bytes"), bytes);
         // A file of another hand drops what this process remembers of the old one.

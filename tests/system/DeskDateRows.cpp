@@ -1,4 +1,5 @@
 #include "review/DateRow.h"
+#include "review/LogsTabLayout.h"
 #include "system/DeskPlaces.h"
 
 namespace sonavault::testing {
