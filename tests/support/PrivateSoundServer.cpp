@@ -156,9 +156,10 @@ void PrivateSoundServer::exportEnvironment() const {
 void PrivateSoundServer::playTone(double hertz, const std::string& sink) {
     const auto file = folder_ / ("tone-" + std::to_string(hertz));
     if (!std::filesystem::exists(file)) writeFile(file, toneSamples(hertz, devices_.sampleRate));
+    // So much lies at the server that a stall of the machine leaves no hole in the tone.
     players_.push_back(launch({"pacat", "--playback", "--raw", "--format=float32ne", "--channels=1",
                                "--rate=" + std::to_string(devices_.sampleRate),
-                               "--latency-msec=100", "--device=" + sink, file.string()},
+                               "--latency-msec=500", "--device=" + sink, file.string()},
                               kOutput));
 }
 

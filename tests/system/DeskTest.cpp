@@ -431,7 +431,7 @@ TEST_F(DeskTest, the_quality_is_chosen_in_the_settings_and_the_program_ends_with
     EXPECT_TRUE(desk_.eventuallyPrefers("SVQualityLevel", "0"));
 
     desk_.desktop.activate(Desk::kWindow);
-    desk_.desktop.press({"alt+F4"});
+    desk_.desktop.closeFront(Desk::kWindow);
     EXPECT_EQ(desk_.program->waitForEnd(10s), 0);
     EXPECT_EQ(std::filesystem::file_size(today_->audio), size);
 }
@@ -439,10 +439,8 @@ TEST_F(DeskTest, the_quality_is_chosen_in_the_settings_and_the_program_ends_with
 TEST_F(DeskTest, closing_the_settings_leaves_the_program_running) {
     desk_.open();
     desk_.desktop.click(desk_.places().settingsButton());
-    desk_.desktop.awaitFront(kSettings);
-    desk_.desktop.press({"alt+F4"});
+    desk_.desktop.closeFront(kSettings);
     desk_.desktop.awaitFront(Desk::kWindow);
-    EXPECT_EQ(desk_.desktop.windowCount(kSettings), 0);
     EXPECT_TRUE(desk_.program->isAlive());
 
     desk_.chooseFromMenu(0, 0);
@@ -466,9 +464,8 @@ TEST_F(DeskTest, the_help_opens_once_however_often_it_is_asked_for) {
     EXPECT_TRUE(eventually([&] { return desk_.desktop.windowCount(kHelp) == 1; }));
     clickHelp();
     EXPECT_TRUE(eventually([&] { return desk_.desktop.windowCount(kHelp) == 1; }));
-    desk_.desktop.press({"alt+F4"});
+    desk_.desktop.closeFront(kHelp);
     desk_.desktop.awaitFront(Desk::kWindow);
-    EXPECT_EQ(desk_.desktop.windowCount(kHelp), 0);
     clickHelp();
 }
 
@@ -495,8 +492,7 @@ TEST_F(DeskTest, the_least_window_holds_everything) {
     desk_.desktop.takePicture("least_size_one_minute");
     desk_.desktop.click(places.zoomPreset(0));
     desk_.desktop.click(places.settingsButton());
-    desk_.desktop.awaitFront(kSettings);
-    desk_.desktop.press({"alt+F4"});
+    desk_.desktop.closeFront(kSettings);
 
     desk_.desktop.awaitFront(Desk::kWindow);
     desk_.resize({1300, 800});

@@ -85,6 +85,7 @@ TEST_F(OnTheHub, a_day_can_be_followed) {
     hub_->type("show");
     EXPECT_TRUE(hubHears("program Sonavault"));
     EXPECT_TRUE(hubHears(R"("sourceMode":"cadenzo_tcp")"));
+    EXPECT_TRUE(hubHears(R"("recording":true)"));  // or its end is none that anybody was told of
     auto from = hub_->lineCount();
     automation_->signal(SIGKILL);
     EXPECT_TRUE(hubHears(R"("state":"stopped")", from));

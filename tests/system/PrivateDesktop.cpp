@@ -57,6 +57,16 @@ void PrivateDesktop::awaitFront(const std::string& title) const {
     throw std::runtime_error("\"" + title + "\" did not come to the front, but \"" + front + "\"");
 }
 
+void PrivateDesktop::closeFront(const std::string& title) const {
+    const auto isGone = [&] { return windowCount(title) == 0; };
+    for (int tries = 0; tries < 3; ++tries) {
+        awaitFront(title);
+        press({"alt+F4"});
+        if (eventually(isGone, kEventually / 3)) return;
+    }
+    throw std::runtime_error("\"" + title + "\" can't be closed");
+}
+
 void PrivateDesktop::press(const std::vector<std::string>& chords) const {
     std::vector<std::string> command{"xdotool", "key", "--delay", "60"};
     command.insert(command.end(), chords.begin(), chords.end());

@@ -29,6 +29,10 @@ class PrivateDesktop {
     /// Waits until the window whose whole title is `title` is the one that gets the keys.
     void awaitFront(const std::string& title) const;
 
+    /// Closes the window of that title, which is in front, by the window manager's key; once more
+    /// when a busy window manager has not heard of it.
+    void closeFront(const std::string& title) const;
+
     /// Presses chords one after another, as in {"ctrl+Right", "bracketleft"}.
     void press(const std::vector<std::string>& chords) const;
 
