@@ -29,7 +29,7 @@ class AppendFile {
     AppendFile(const AppendFile&) = delete;
     AppendFile& operator=(const AppendFile&) = delete;
 
-    /// True when all bytes were taken. On a full disk none are, so that no MPEG frame is torn.
+    /// True when all bytes were taken. On a full disk none are.
     bool write(std::span<const std::uint8_t> bytes);
 
   private:

@@ -48,7 +48,7 @@ int appendAllOrNothing(int descriptor, std::string_view bytes) {
     const off_t end = ::lseek(descriptor, 0, SEEK_END);
     if (end < 0) return errno;
     const int error = writeAll(descriptor, bytes);
-    // Half a row or frame would spoil the next one too. Where taking it back fails there is nothing
+    // Half a row would spoil the next one too. Where taking it back fails there is nothing
     // left to try.
     [[maybe_unused]] const int takenBack = error ? ::ftruncate(descriptor, end) : 0;
     return error;

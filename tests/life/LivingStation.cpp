@@ -182,7 +182,7 @@ void LivingStation::doubtWhatIsOnItsWay() {
 
 void LivingStation::kill() {
     look();
-    ++seams_[air_.date()];
+    expectSeam();
     doubtWhatIsOnItsWay();
     if (!program_->isAlive()) giveUp("the program ended by itself:\n" + program_->text());
     program_->signal(SIGKILL);

@@ -87,6 +87,7 @@ class LivingStation {
     const std::map<std::string, std::deque<OwedRow>>& rows() const { return rows_; }
     /// How many torn frames the day's file may have.
     int mostSeams(const std::string& date) const;
+    void expectSeam() { ++seams_[air_.date()]; }
     /// All that the recorder said.
     std::filesystem::path logFile() const;
     std::filesystem::path folder() const { return station_.audioFolder(); }
