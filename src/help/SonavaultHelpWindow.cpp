@@ -1,13 +1,12 @@
 #include "help/SonavaultHelpWindow.h"
 
-#include <QApplication>
 #include <QKeyEvent>
-#include <QScreen>
 #include <QWebEngineLoadingInfo>
 #include <QWebEnginePage>
 #include <QWebEngineSettings>
 
 #include "help/HelpPage.h"
+#include "help/HelpPlace.h"
 
 namespace sonavault {
 namespace {
@@ -27,7 +26,7 @@ SonavaultHelpWindow::SonavaultHelpWindow() : helpWebView_(new QWebEngineView(thi
             [this] { helpWebView_->setZoomFactor(zoom_.zoomLevel); });
     // The page has the keyboard, and it would see a key before its window does.
     qApp->installEventFilter(this);
-    centre();
+    centreOnScreen(*this, kContentSize);
 }
 
 SonavaultHelpWindow::~SonavaultHelpWindow() {
@@ -72,14 +71,6 @@ void SonavaultHelpWindow::loadingChanged(const QWebEngineLoadingInfo& info) {
 void SonavaultHelpWindow::loadFallbackPage(const QString& error) {
     const std::string site = helpSite(address_.toString().toStdString());
     helpWebView_->setHtml(QString::fromStdString(fallbackPage(site, error.toStdString())));
-}
-
-void SonavaultHelpWindow::centre() {
-    const QScreen* screen = QApplication::primaryScreen();
-    if (!screen) return;
-    QRect frame({}, kContentSize);
-    frame.moveCenter(screen->availableGeometry().center());
-    move(frame.topLeft());
 }
 
 }  // namespace sonavault

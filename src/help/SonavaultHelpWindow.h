@@ -31,7 +31,6 @@ class SonavaultHelpWindow final : public QWidget {
   private:
     void loadingChanged(const QWebEngineLoadingInfo& info);
     void loadFallbackPage(const QString& error);
-    void centre();
 
     QWebEngineView* helpWebView_;
     HelpZoom zoom_;

@@ -94,8 +94,7 @@ void LoadedDay::autoLoad(const DailyRecording& row, const std::string& which) {
 void LoadedDay::loadMarkersForLoadedRecording() {
     allMarkers_.clear();
     if (loadedFileURL_)
-        allMarkers_ =
-            parseMarkerCSV(markerLogURL(*loadedFileURL_)).value_or(std::vector<Marker>{});
+        allMarkers_ = parseMarkerCSV(markerLogURL(*loadedFileURL_)).value_or(std::vector<Marker>{});
     refreshMarkerLanes();
 }
 

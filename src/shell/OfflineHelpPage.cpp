@@ -1,9 +1,8 @@
 #include "shell/OfflineHelpPage.h"
 
-#include <QApplication>
 #include <QKeyEvent>
-#include <QScreen>
 
+#include "help/HelpPlace.h"
 #include "views/Theme.h"
 
 namespace sonavault {
@@ -27,7 +26,7 @@ OfflineHelpPage::OfflineHelpPage(const QString& html) {
     document()->setDocumentMargin(60);
     setHtml(html);
     showZoom();
-    centre();
+    centreOnScreen(*this, kContentSize);
 }
 
 void OfflineHelpPage::keyPressEvent(QKeyEvent* event) {
@@ -39,14 +38,6 @@ void OfflineHelpPage::keyPressEvent(QKeyEvent* event) {
 
 void OfflineHelpPage::showZoom() {
     document()->setDefaultFont(interfaceFont(qRound(kTextSize * zoom_.zoomLevel)));
-}
-
-void OfflineHelpPage::centre() {
-    const QScreen* screen = QApplication::primaryScreen();
-    if (!screen) return;
-    QRect frame({}, kContentSize);
-    frame.moveCenter(screen->availableGeometry().center());
-    move(frame.topLeft());
 }
 
 }  // namespace sonavault

@@ -21,7 +21,6 @@ class OfflineHelpPage final : public QTextBrowser {
 
   private:
     void showZoom();
-    void centre();
 
     HelpZoom zoom_;
 };

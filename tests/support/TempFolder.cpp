@@ -8,8 +8,9 @@
 namespace sonavault::testing {
 
 TempFolder::TempFolder() {
+    // mkdtemp puts a name of its own in the place of the last six.
     std::string pattern =
-        (std::filesystem::temp_directory_path() / "sonavault-test-XXXXXX").string();
+        (std::filesystem::temp_directory_path() / "sonavault-test-").string() + std::string(6, 'X');
     if (!mkdtemp(pattern.data())) throw std::runtime_error("no temporary folder: " + pattern);
     path_ = pattern;
 }
