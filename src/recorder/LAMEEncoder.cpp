@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/Mp3Header.h"
 #include "platform/Resampler.h"
 
 namespace sonavault {
@@ -25,6 +26,20 @@ bool isSound(float sample) {
 /// A sample that is no sound, as something the library may be given.
 float tamed(float sample) {
     return sample == sample ? std::clamp(sample, -1.0F, 1.0F) : 0.0F;
+}
+
+/// How many of these bytes, which begin with a frame, belong to frames that are all there. Frames
+/// whose size nobody can tell are never waited for.
+std::size_t bytesOfWholeFrames(std::span<const std::uint8_t> stream) {
+    std::size_t whole = 0;
+    while (stream.size() - whole >= kMp3HeaderBytes) {
+        const auto header = parseMp3Header(stream.subspan(whole));
+        if (!header) return stream.size();
+        const auto frame = static_cast<std::size_t>(header->frameBytes);
+        if (stream.size() - whole < frame) break;
+        whole += frame;
+    }
+    return whole;
 }
 
 }  // namespace
@@ -85,17 +100,24 @@ void LAMEEncoder::encodeMono(std::span<const float> samples) {
         gfp_, samples.data(), samples.data(), static_cast<int>(samples.size()), outBuf_.data(),
         static_cast<int>(outBuf_.size()));
     if (bytes < 0) log_.line("LAMEEncoder: encode error " + std::to_string(bytes));
-    writeEncoded(bytes);
+    takeEncoded(bytes);
+    writeFirst(bytesOfWholeFrames(unwritten_));
 }
 
-void LAMEEncoder::writeEncoded(int bytes) {
-    if (bytes > 0) file_->write({outBuf_.data(), static_cast<std::size_t>(bytes)});
+void LAMEEncoder::takeEncoded(int bytes) {
+    if (bytes > 0) unwritten_.insert(unwritten_.end(), outBuf_.begin(), outBuf_.begin() + bytes);
+}
+
+void LAMEEncoder::writeFirst(std::size_t bytes) {
+    file_->write(std::span(unwritten_).first(bytes));
+    unwritten_.erase(unwritten_.begin(), unwritten_.begin() + static_cast<std::ptrdiff_t>(bytes));
 }
 
 void LAMEEncoder::close() {
     if (!gfp_ || !file_) return;
     if (hasEncoded_)
-        writeEncoded(lame_encode_flush(gfp_, outBuf_.data(), static_cast<int>(outBuf_.size())));
+        takeEncoded(lame_encode_flush(gfp_, outBuf_.data(), static_cast<int>(outBuf_.size())));
+    writeFirst(unwritten_.size());
     file_.reset();
     lame_close(gfp_);
     gfp_ = nullptr;

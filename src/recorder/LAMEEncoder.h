@@ -36,7 +36,10 @@ class LAMEEncoder {
     /// Continues `file`, or begins it. Errors: the system's words.
     Outcome open(const std::filesystem::path& file, DiskFlusher& flusher);
 
-    /// Encodes and writes. What a full disk does not take is lost; the stream goes on behind it.
+    /// Encodes and writes. The library hands out a frame in pieces, as it needs the frame's space
+    /// for later sound; the file gets whole frames, so that neither a kill nor a full disk tears
+    /// one: other programs lose up to six frames around it. What a full disk does not take is lost;
+    /// the stream goes on behind it.
     void encodeMono(std::span<const float> samples);
 
     /// Flushes the library's last frame, which ends in padding, and closes the file. Does nothing
@@ -47,12 +50,14 @@ class LAMEEncoder {
   private:
     LAMEEncoder(lame_global_struct* gfp, Log& log);
     void ensureBuf(std::size_t frames);
-    void writeEncoded(int bytes);
+    void takeEncoded(int bytes);
+    void writeFirst(std::size_t bytes);
 
     lame_global_struct* gfp_;
     Log& log_;
     std::unique_ptr<AppendFile> file_;
     std::vector<std::uint8_t> outBuf_;
+    std::vector<std::uint8_t> unwritten_;
     std::vector<float> tamed_;
     bool hasEncoded_ = false;
 };

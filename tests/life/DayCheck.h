@@ -71,10 +71,8 @@ std::vector<std::string> complaintsAboutAir(const AirEvidence& evidence,
 std::vector<std::string> complaintsAboutLog(const std::string& log,
                                             const std::vector<OwedRow>& owed);
 
-/// The file is MP3 frames of one kind from its first byte to its last, but for at most so many
-/// seams at which a frame is torn: a program that was killed, or a disk that was full, may have
-/// left one.
-std::vector<std::string> complaintsAboutStream(const std::string& bytes, int mostSeams);
+/// The file is whole MP3 frames of one kind from its first byte to its last.
+std::vector<std::string> complaintsAboutStream(const std::string& bytes);
 
 /// The manifest of a day tells the moment of frame 0 with its milliseconds, in that day by the
 /// local clock, and where that lies in the day.
@@ -88,12 +86,14 @@ std::vector<std::string> complaintsAboutFolder(const std::filesystem::path& fold
 /// No run has grown by more than it may.
 std::vector<std::string> complaintsAboutUse(const std::vector<ProgramRun>& runs);
 
-/// The worst of what complaintsAboutAir() allows: how far from its moment a second stands.
-/// Units: seconds; positive when it is late
+/// How far the seconds of a day stand from their moments.
 struct Accuracy {
+    /// The worst of the seconds whose moment is known without slack. Units: seconds; positive when
+    /// late
     double earliest = 0;
     double latest = 0;
-    long long seconds = 0;  ///< how many were found
+    long long sharp = 0;  ///< seconds known without slack that were found
+    long long found = 0;  ///< all that were found
 };
 Accuracy accuracyOf(const AirEvidence& evidence, const std::vector<AirStretch>& stretches);
 

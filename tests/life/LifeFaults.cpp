@@ -115,7 +115,6 @@ void fillTheDisk(LivingStation& station) {
     station.live(0.8);  // what was sent is written
     const auto from = station.program().lineCount();
     station.air().interrupt(station.now(), kHeldBack);
-    station.expectSeam();  // the encoder hands over its bytes in pieces that end within frames
     if (!station.disk().fill()) throw std::runtime_error("the disk can't be filled");
     pass(station.between(3, 6));
     if (!station.disk().changeSize("size=200m")) throw std::runtime_error("no space again");

@@ -167,11 +167,6 @@ double LivingStation::launch() {
     return momentOf(expect(*program_, started(), 0, 60));
 }
 
-int LivingStation::mostSeams(const std::string& date) const {
-    const auto found = seams_.find(date);
-    return found == seams_.end() ? 0 : found->second;
-}
-
 // Nobody knows whether what was sent just now was written.
 void LivingStation::doubtWhatIsOnItsWay() {
     const double sure = secondsOf(std::chrono::system_clock::now()) - kOnTheWaySec;
@@ -182,7 +177,6 @@ void LivingStation::doubtWhatIsOnItsWay() {
 
 void LivingStation::kill() {
     look();
-    expectSeam();
     doubtWhatIsOnItsWay();
     if (!program_->isAlive()) giveUp("the program ended by itself:\n" + program_->text());
     program_->signal(SIGKILL);

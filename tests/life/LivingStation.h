@@ -85,9 +85,6 @@ class LivingStation {
     std::mt19937& random() { return random_; }
     double between(double least, double most);
     const std::map<std::string, std::deque<OwedRow>>& rows() const { return rows_; }
-    /// How many torn frames the day's file may have.
-    int mostSeams(const std::string& date) const;
-    void expectSeam() { ++seams_[air_.date()]; }
     /// All that the recorder said.
     std::filesystem::path logFile() const;
     std::filesystem::path folder() const { return station_.audioFolder(); }
@@ -128,7 +125,6 @@ class LivingStation {
     std::size_t automationLinesSeen_ = 0;
     std::map<std::string, std::deque<OwedRow>> rows_;
     std::vector<std::pair<double, OwedRow*>> onTheirWay_;
-    std::map<std::string, int> seams_;
     std::vector<ProgramRun> runs_;
     bool isNewRun_ = true;
     std::unique_ptr<ChildProcess> hub_;

@@ -8,12 +8,15 @@
 #include <limits>
 
 #include "platform/AudioFileInfo.h"
+#include "platform/Mp3Header.h"
+#include "support/FileSizeLimit.h"
 #include "support/RecordedLog.h"
 #include "support/TempFolder.h"
 
 namespace sonavault {
 namespace {
 
+using testing::FileSizeLimit;
 using testing::readFile;
 using testing::RecordedLog;
 using testing::TempFolder;
@@ -135,6 +138,70 @@ TEST_F(Encoder, writes_as_it_goes_and_holds_back_only_what_the_library_holds) {
     ASSERT_TRUE(info);
     EXPECT_GT(info.value().durationSec(), 1.7);
     EXPECT_LT(info.value().durationSec(), 2.0);
+}
+
+/// Whether the file's frames lie back to back from its first byte to its last.
+::testing::AssertionResult isWholeFrames(const std::string& bytes) {
+    const std::span file(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+    std::size_t at = 0;
+    while (at < file.size()) {
+        const auto header = parseMp3Header(file.subspan(at));
+        if (!header) return ::testing::AssertionFailure() << "no frame at byte " << at;
+        at += static_cast<std::size_t>(header->frameBytes);
+    }
+    if (at == file.size()) return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure()
+           << "the last frame ends " << at - file.size() << " bytes behind the file";
+}
+
+TEST_F(Encoder, leaves_whole_frames_wherever_it_is_stopped) {
+    for (const int kbps : {8, 16, 24, 48, 96}) {
+        std::filesystem::remove(file_);
+        auto encoder = opened(kbps);
+        std::size_t pieces = 0;
+        std::string before;
+        for (std::size_t frames = 100; frames < 4000; frames += 37) {
+            encoder->encodeMono(tone(frames));
+            auto bytes = readFile(file_);
+            if (bytes.size() != before.size()) ++pieces;
+            EXPECT_TRUE(bytes.starts_with(before));
+            ASSERT_TRUE(isWholeFrames(bytes)) << kbps << " kbps";
+            before = std::move(bytes);
+        }
+        EXPECT_GT(pieces, 50U) << kbps;
+        encoder->close();
+        EXPECT_TRUE(isWholeFrames(readFile(file_))) << kbps << " kbps, closed";
+    }
+}
+
+TEST_F(Encoder, changes_no_byte_of_what_the_library_made) {
+    const auto sound = tone(5 * 22050);
+    auto encoder = opened();
+    for (std::size_t at = 0; at < sound.size(); at += 441)
+        encoder->encodeMono(std::span(sound).subspan(at, 441));
+    encoder->close();
+    EXPECT_TRUE(readFile(file_) == encodedByTheLibrary(sound));
+}
+
+TEST_F(Encoder, leaves_whole_frames_before_and_behind_a_full_disk) {
+    for (const rlim_t space : {5000, 5001, 5050, 5107}) {
+        std::filesystem::remove(file_);
+        auto encoder = opened();
+        {
+            const FileSizeLimit disk(space);
+            for (int i = 0; i < 50; ++i) encoder->encodeMono(tone(2205));
+        }
+        const auto full = readFile(file_);
+        EXPECT_LE(full.size(), space);
+        EXPECT_GT(full.size(), space - 500);
+        EXPECT_TRUE(isWholeFrames(full)) << space;
+        for (int i = 0; i < 20; ++i) encoder->encodeMono(tone(2205));
+        encoder->close();
+        const auto after = readFile(file_);
+        EXPECT_GT(after.size(), full.size() + 4000);
+        EXPECT_TRUE(after.starts_with(full));
+        EXPECT_TRUE(isWholeFrames(after)) << space;
+    }
 }
 
 TEST_F(Encoder, closed_twice_writes_nothing_more) {
