@@ -1,10 +1,10 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 #include <stop_token>
 #include <string>
-#include <thread>
+
+#include "platform/LeavableThread.h"
 
 namespace sonavault {
 
@@ -35,11 +35,8 @@ class BackgroundJob {
     bool hasEnded() const;
 
   private:
-    struct Ending;
-
     std::stop_source stop_;
-    std::shared_ptr<Ending> ending_;
-    std::thread thread_;
+    LeavableThread thread_;
 };
 
 }  // namespace sonavault

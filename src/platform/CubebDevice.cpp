@@ -8,26 +8,13 @@
 #include <string>
 #include <utility>
 
-#include "platform/ThisThread.h"
+#include "platform/CubebPatience.h"
 
 namespace sonavault {
 
 namespace {
 
 using SteadyClock = std::chrono::steady_clock;
-
-// The longest that the control thread waits for an answer.
-constexpr std::chrono::milliseconds kAnswerWithin{900};
-
-// How soon a failed stream is noticed, and how often a device that failed is tried again.
-constexpr std::chrono::milliseconds kLookEvery{100};
-constexpr std::chrono::milliseconds kTryEvery{500};
-
-// A stream that is quiet for longer is taken for lost. A server whose sinks idle may work in blocks
-// of up to 2 s.
-constexpr std::chrono::seconds kQuietFor{5};
-
-constexpr std::chrono::hours kUntilCalled{1};
 
 struct Question {
     bool answered = false;
@@ -44,7 +31,7 @@ class CubebDevice::Worker {
     bool lookForInput();
     Outcome begin(std::shared_ptr<CubebCaptureRun> run);
     void want(std::shared_ptr<CubebCaptureRun> run);
-    bool quit();
+    void quit();
 
     // Device thread
     void work();
@@ -70,7 +57,6 @@ class CubebDevice::Worker {
 
     // Under mutex_, which is never held over a call into the sound system
     bool quit_ = false;
-    bool ended_ = false;
     std::deque<std::shared_ptr<Question>> questions_;
     std::shared_ptr<Question> look_;
     std::shared_ptr<Question> unanswered_;  // whoever asked it waited in vain
@@ -94,7 +80,7 @@ std::optional<CubebDefaultInput> CubebDevice::Worker::askDefaultInput() {
     if (isStuck()) return std::nullopt;
     questions_.push_back(question);
     changed_.notify_all();
-    if (!changed_.wait_for(lock, kAnswerWithin, [&] { return question->answered; }))
+    if (!changed_.wait_for(lock, kCubebAnswerWithin, [&] { return question->answered; }))
         unanswered_ = question;
     return question->answer;
 }
@@ -116,8 +102,8 @@ Outcome CubebDevice::Worker::begin(std::shared_ptr<CubebCaptureRun> run) {
     beginAwaited_ = true;
     changed_.notify_all();
     if (!isStuck())
-        beginUnanswered_ =
-            !changed_.wait_for(lock, kAnswerWithin, [this] { return beginOutcome_.has_value(); });
+        beginUnanswered_ = !changed_.wait_for(lock, kCubebAnswerWithin,
+                                              [this] { return beginOutcome_.has_value(); });
     beginAwaited_ = false;
     return beginOutcome_.value_or(Done{});
 }
@@ -128,11 +114,10 @@ void CubebDevice::Worker::want(std::shared_ptr<CubebCaptureRun> run) {
     changed_.notify_all();
 }
 
-bool CubebDevice::Worker::quit() {
-    std::unique_lock lock(mutex_);
+void CubebDevice::Worker::quit() {
+    const std::scoped_lock lock(mutex_);
     quit_ = true;
     changed_.notify_all();
-    return changed_.wait_for(lock, kAnswerWithin, [this] { return ended_; });
 }
 
 void CubebDevice::Worker::work() {
@@ -144,15 +129,12 @@ void CubebDevice::Worker::work() {
             tend();
     }
     follow(nullptr);
-    std::scoped_lock lock(mutex_);
-    ended_ = true;
-    changed_.notify_all();
 }
 
 CubebDevice::Worker::Order CubebDevice::Worker::awaitOrder() {
     std::unique_lock lock(mutex_);
     beginUnanswered_ = false;
-    const auto patience = run_ ? SteadyClock::duration(kLookEvery) : kUntilCalled;
+    const auto patience = run_ ? SteadyClock::duration(kCubebLookEvery) : kCubebUntilCalled;
     changed_.wait_for(lock, patience,
                       [this] { return quit_ || !questions_.empty() || wanted_ != run_; });
     Order order{quit_, wanted_, nullptr};
@@ -197,14 +179,14 @@ bool CubebDevice::Worker::isLost() {
         samplesSeen_ = offered;
         lastSamples_ = now;
     }
-    return run_->failed || now - lastSamples_ >= kQuietFor;
+    return run_->failed || now - lastSamples_ >= kCubebQuietFor;
 }
 
 void CubebDevice::Worker::tryToOpen() {
     run_->failed = false;
     auto opened = CubebCapture::open(run_, backend_);
     lastSamples_ = SteadyClock::now();
-    nextTry_ = lastSamples_ + kTryEvery;
+    nextTry_ = lastSamples_ + kCubebTryEvery;
     if (!opened) {
         report(Outcome::failure(opened.error()));
         return;
@@ -223,18 +205,13 @@ void CubebDevice::Worker::report(const Outcome& outcome) {
     changed_.notify_all();
 }
 
-CubebDevice::CubebDevice() : worker_(std::make_shared<Worker>()) {
-    thread_ = std::thread([worker = worker_] {
-        nameThisThread("line-device");
-        worker->work();
-    });
-}
+CubebDevice::CubebDevice()
+    : worker_(std::make_shared<Worker>()),
+      thread_("line-device", [worker = worker_] { worker->work(); }) {}
 
 CubebDevice::~CubebDevice() {
-    if (worker_->quit())
-        thread_.join();
-    else
-        thread_.detach();
+    worker_->quit();
+    thread_.endWithin(kCubebAnswerWithin);
 }
 
 std::optional<CubebDefaultInput> CubebDevice::defaultInput() {

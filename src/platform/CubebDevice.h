@@ -2,10 +2,10 @@
 
 #include <memory>
 #include <optional>
-#include <thread>
 
 #include "platform/CubebCapture.h"
 #include "platform/CubebCaptureRun.h"
+#include "platform/LeavableThread.h"
 #include "platform/Result.h"
 
 namespace sonavault {
@@ -48,8 +48,8 @@ class CubebDevice {
   private:
     class Worker;
 
-    std::shared_ptr<Worker> worker_;
-    std::thread thread_;
+    const std::shared_ptr<Worker> worker_;
+    LeavableThread thread_;
 };
 
 }  // namespace sonavault

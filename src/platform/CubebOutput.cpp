@@ -9,26 +9,13 @@
 #include <utility>
 
 #include "platform/CubebOutputStream.h"
-#include "platform/ThisThread.h"
+#include "platform/CubebPatience.h"
 
 namespace sonavault {
 
 namespace {
 
 using SteadyClock = std::chrono::steady_clock;
-
-// The longest that the control thread waits for an answer.
-constexpr std::chrono::milliseconds kAnswerWithin{900};
-
-// How soon a failed stream is noticed, and how often a device that failed is tried again.
-constexpr std::chrono::milliseconds kLookEvery{100};
-constexpr std::chrono::milliseconds kTryEvery{500};
-
-// A stream that asks for nothing for longer is taken for lost. A server whose sinks idle may work
-// in blocks of up to 2 s.
-constexpr std::chrono::seconds kQuietFor{5};
-
-constexpr std::chrono::hours kUntilCalled{1};
 
 // The rate of the first stream, before any sound has one.
 constexpr double kUsualRate = 48000;
@@ -47,7 +34,7 @@ class CubebOutput::Worker {
     Outcome begin();
     void play(double sampleRate);
     void rest();
-    bool quit();
+    void quit();
 
     // Device thread
     void work();
@@ -64,7 +51,7 @@ class CubebOutput::Worker {
     void follow(const Wish& wish);
     void tryToOpen(const Wish& wish);
     void report(const Wish& wish, const Outcome& outcome);
-    bool isLost() const { return run_->failed || run_->quietFor() >= kQuietFor; }
+    bool isLost() const { return run_->failed || run_->quietFor() >= kCubebQuietFor; }
 
     const std::shared_ptr<CubebOutputRun> run_;
     std::mutex mutex_;
@@ -72,7 +59,6 @@ class CubebOutput::Worker {
 
     // Under mutex_, which is never held over a call into the sound system
     bool quit_ = false;
-    bool ended_ = false;
     Wish wish_;
     bool answerAwaited_ = false;
     std::optional<Outcome> answer_;
@@ -91,7 +77,7 @@ Outcome CubebOutput::Worker::begin() {
     answer_.reset();
     answerAwaited_ = true;
     changed_.notify_all();
-    changed_.wait_for(lock, kAnswerWithin, [this] { return answer_.has_value(); });
+    changed_.wait_for(lock, kCubebAnswerWithin, [this] { return answer_.has_value(); });
     answerAwaited_ = false;
     return answer_.value_or(Done{});
 }
@@ -108,25 +94,21 @@ void CubebOutput::Worker::rest() {
     changed_.notify_all();
 }
 
-bool CubebOutput::Worker::quit() {
-    std::unique_lock lock(mutex_);
+void CubebOutput::Worker::quit() {
+    const std::scoped_lock lock(mutex_);
     quit_ = true;
     changed_.notify_all();
-    return changed_.wait_for(lock, kAnswerWithin, [this] { return ended_; });
 }
 
 void CubebOutput::Worker::work() {
     while (const auto wish = awaitWish()) follow(*wish);
     stream_.reset();
-    const std::scoped_lock lock(mutex_);
-    ended_ = true;
-    changed_.notify_all();
 }
 
 std::optional<CubebOutput::Worker::Wish> CubebOutput::Worker::awaitWish() {
     std::unique_lock lock(mutex_);
     const bool tends = stream_ || wish_.plays;
-    changed_.wait_for(lock, tends ? SteadyClock::duration(kLookEvery) : kUntilCalled,
+    changed_.wait_for(lock, tends ? SteadyClock::duration(kCubebLookEvery) : kCubebUntilCalled,
                       [this] { return quit_ || wish_.number != followed_; });
     if (quit_) return std::nullopt;
     return wish_;
@@ -150,7 +132,7 @@ void CubebOutput::Worker::tryToOpen(const Wish& wish) {
     run_->setLevels({});
     auto opened = CubebOutputStream::open(run_, wish.sampleRate, backend_);
     run_->asked();
-    nextTry_ = SteadyClock::now() + kTryEvery;
+    nextTry_ = SteadyClock::now() + kCubebTryEvery;
     if (!opened) {
         report(wish, Outcome::failure(opened.error()));
         return;
@@ -171,19 +153,14 @@ void CubebOutput::Worker::report(const Wish& wish, const Outcome& outcome) {
 }
 
 CubebOutput::CubebOutput()
-    : run_(std::make_shared<CubebOutputRun>()), worker_(std::make_shared<Worker>(run_)) {
-    thread_ = std::thread([worker = worker_] {
-        nameThisThread("review-device");
-        worker->work();
-    });
-}
+    : run_(std::make_shared<CubebOutputRun>()),
+      worker_(std::make_shared<Worker>(run_)),
+      thread_("review-device", [worker = worker_] { worker->work(); }) {}
 
 CubebOutput::~CubebOutput() {
     run_->use(nullptr);
-    if (worker_->quit())
-        thread_.join();
-    else
-        thread_.detach();
+    worker_->quit();
+    thread_.endWithin(kCubebAnswerWithin);
 }
 
 Outcome CubebOutput::start() {

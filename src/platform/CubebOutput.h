@@ -1,10 +1,10 @@
 #pragma once
 
 #include <memory>
-#include <thread>
 
 #include "platform/AudioOutput.h"
 #include "platform/CubebOutputRun.h"
+#include "platform/LeavableThread.h"
 
 namespace sonavault {
 
@@ -42,7 +42,7 @@ class CubebOutput final : public AudioOutput {
 
     const std::shared_ptr<CubebOutputRun> run_;
     const std::shared_ptr<Worker> worker_;
-    std::thread thread_;
+    LeavableThread thread_;
 };
 
 }  // namespace sonavault

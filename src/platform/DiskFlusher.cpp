@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "platform/SharedDescriptor.h"
-#include "platform/ThisThread.h"
 
 namespace sonavault {
 namespace {
@@ -57,7 +56,6 @@ struct DiskFlusher::Worker {
     Descriptors closing;
     std::vector<std::filesystem::path> named;
     bool stopping = false;
-    bool finished = false;
 };
 
 void DiskFlusher::Worker::run() {
@@ -78,8 +76,6 @@ void DiskFlusher::Worker::run() {
         if (round) due = std::chrono::steady_clock::now() + interval;
         lock.lock();
     }
-    finished = true;
-    changed.notify_all();
 }
 
 /// Also lets go of them, which closes those that only the flusher still knows.
@@ -100,22 +96,16 @@ void DiskFlusher::Worker::flush(const std::vector<std::filesystem::path>& names)
 }
 
 DiskFlusher::DiskFlusher(std::chrono::milliseconds interval, DiskSync sync)
-    : worker_(std::make_shared<Worker>(interval, std::move(sync))), thread_([worker = worker_] {
-          nameThisThread("disk-flusher");
-          worker->run();
-      }) {}
+    : worker_(std::make_shared<Worker>(interval, std::move(sync))),
+      thread_("disk-flusher", [worker = worker_] { worker->run(); }) {}
 
 DiskFlusher::~DiskFlusher() {
-    std::unique_lock lock(worker_->mutex);
-    worker_->stopping = true;
-    worker_->changed.notify_all();
-    const bool ended =
-        worker_->changed.wait_for(lock, kFarewell, [this] { return worker_->finished; });
-    lock.unlock();
-    if (ended)
-        thread_.join();
-    else
-        thread_.detach();
+    {
+        const std::scoped_lock lock(worker_->mutex);
+        worker_->stopping = true;
+        worker_->changed.notify_all();
+    }
+    thread_.endWithin(kFarewell);
 }
 
 void DiskFlusher::flushSoon(const std::filesystem::path& file) {

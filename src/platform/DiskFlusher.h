@@ -4,7 +4,8 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
-#include <thread>
+
+#include "platform/LeavableThread.h"
 
 namespace sonavault {
 
@@ -43,8 +44,8 @@ class DiskFlusher {
     void watch(std::shared_ptr<SharedDescriptor> descriptor);
     void close(std::shared_ptr<SharedDescriptor> descriptor);
 
-    std::shared_ptr<Worker> worker_;
-    std::thread thread_;
+    const std::shared_ptr<Worker> worker_;
+    LeavableThread thread_;
 };
 
 }  // namespace sonavault

@@ -7,8 +7,6 @@
 #include <utility>
 #include <vector>
 
-#include "platform/ThisThread.h"
-
 namespace sonavault {
 
 namespace {
@@ -38,7 +36,7 @@ class PlaybackFeeder::Worker {
   public:
     // Control thread
     void take(std::shared_ptr<Job> job);
-    bool quit();
+    void quit();
 
     // Feeding thread
     void work();
@@ -55,7 +53,6 @@ class PlaybackFeeder::Worker {
 
     // Under mutex_, which is never held while a file is read
     bool quit_ = false;
-    bool ended_ = false;
     bool hasNews_ = false;
     std::shared_ptr<Job> job_;
 
@@ -77,12 +74,11 @@ void PlaybackFeeder::Worker::take(std::shared_ptr<Job> job) {
     changed_.notify_all();
 }
 
-bool PlaybackFeeder::Worker::quit() {
+void PlaybackFeeder::Worker::quit() {
     take(nullptr);
-    std::unique_lock lock(mutex_);
+    const std::scoped_lock lock(mutex_);
     quit_ = true;
     changed_.notify_all();
-    return changed_.wait_for(lock, kEndWithin, [this] { return ended_; });
 }
 
 void PlaybackFeeder::Worker::work() {
@@ -94,9 +90,6 @@ void PlaybackFeeder::Worker::work() {
             source_.reset();
         }
     decoder_.reset();
-    const std::scoped_lock lock(mutex_);
-    ended_ = true;
-    changed_.notify_all();
 }
 
 /// False when there will be none.
@@ -147,18 +140,13 @@ void PlaybackFeeder::Worker::push(Job& job, FrameCount frames) const {
     }
 }
 
-PlaybackFeeder::PlaybackFeeder() : worker_(std::make_shared<Worker>()) {
-    thread_ = std::thread([worker = worker_] {
-        nameThisThread("playback-feed");
-        worker->work();
-    });
-}
+PlaybackFeeder::PlaybackFeeder()
+    : worker_(std::make_shared<Worker>()),
+      thread_("playback-feed", [worker = worker_] { worker->work(); }) {}
 
 PlaybackFeeder::~PlaybackFeeder() {
-    if (worker_->quit())
-        thread_.join();
-    else
-        thread_.detach();
+    worker_->quit();
+    thread_.endWithin(kEndWithin);
 }
 
 void PlaybackFeeder::feed(std::shared_ptr<const PlaybackSource> source, FrameCount from,

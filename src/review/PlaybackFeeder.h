@@ -1,9 +1,9 @@
 #pragma once
 
 #include <memory>
-#include <thread>
 
 #include "platform/AudioOutputSound.h"
+#include "platform/LeavableThread.h"
 #include "review/PlaybackFile.h"
 
 namespace sonavault {
@@ -33,7 +33,7 @@ class PlaybackFeeder {
     class Worker;
 
     const std::shared_ptr<Worker> worker_;
-    std::thread thread_;
+    LeavableThread thread_;
 };
 
 }  // namespace sonavault
