@@ -1,6 +1,5 @@
 #include "store/PeaksCache.h"
 
-#include <mutex>
 #include <system_error>
 #include <utility>
 
@@ -20,24 +19,6 @@ PeaksCache::Generate rememberingGenerator() {
 
 }  // namespace
 
-/// The jobs' way to the main thread, closed when nobody is there any more.
-struct PeaksCache::Outlet {
-    explicit Outlet(Executor& executor) : main(&executor) {}
-
-    void post(std::function<void()> task) {
-        const std::scoped_lock lock(mutex);
-        if (main) main->post(std::move(task));
-    }
-
-    void close() {
-        const std::scoped_lock lock(mutex);
-        main = nullptr;
-    }
-
-    std::mutex mutex;
-    Executor* main;  // guarded by mutex
-};
-
 PeaksCache::PeaksCache(PeaksHost& host, const Clock& clock, Log& log, Executor& main)
     : PeaksCache(host, clock, log, main, rememberingGenerator()) {}
 
@@ -47,7 +28,7 @@ PeaksCache::PeaksCache(PeaksHost& host, const Clock& clock, Log& log, Executor& 
       clock_(clock),
       log_(log),
       generate_(std::move(generate)),
-      outlet_(std::make_shared<Outlet>(main)) {}
+      outlet_(std::make_shared<ClosableExecutor>(main)) {}
 
 PeaksCache::~PeaksCache() {
     outlet_->close();

@@ -9,7 +9,7 @@
 
 #include "platform/BackgroundJob.h"
 #include "platform/Clock.h"
-#include "platform/Executor.h"
+#include "platform/ClosableExecutor.h"
 #include "platform/Log.h"
 #include "store/PeaksFile.h"
 #include "store/PeaksHost.h"
@@ -69,7 +69,6 @@ class PeaksCache {
     void clear();
 
   private:
-    struct Outlet;
     enum class Reason { asked, recordingBegan, catchingUp };
 
     bool isLive(const std::filesystem::path& audio) const;
@@ -92,7 +91,7 @@ class PeaksCache {
     bool begunWhileMeasuring_ = false;
 
     Lifetime lifetime_;
-    std::shared_ptr<Outlet> outlet_;  // shared with the jobs, which may outlive all else
+    std::shared_ptr<ClosableExecutor> outlet_;  // shared with the jobs, which may outlive all else
     std::vector<std::unique_ptr<BackgroundJob>> jobs_;
 };
 
