@@ -3,7 +3,7 @@
 #include <system_error>
 
 #include "platform/AtomicFile.h"
-#include "shell/ConnectionDot.h"
+#include "shell/ShownConnection.h"
 #include "store/OrphanRecovery.h"
 #include "store/StalePeaks.h"
 
@@ -169,8 +169,8 @@ bool SonavaultViewController::isWaitingForLink() const {
 void SonavaultViewController::showConnection() {
     std::optional<SVRecorderSourceMode> source;
     if (recorder_) source = recorder_->sourceMode();
-    rootView_->statusBar().setConnectionDotColour(
-        connectionDotColour(source, recorder_ && recorder_->isCadenzoConnected()));
+    rootView_->statusBar().showLinkState(
+        shownConnection(source, recorder_ && recorder_->isCadenzoConnected()));
 }
 
 void SonavaultViewController::setStatusBarText(const std::string& text) {

@@ -55,10 +55,27 @@ class SettingsButton final : public PlainButton {
     }
 };
 
-/// What the light of the connection means, in words.
-QString connectionWords(const QColor& colour) {
-    if (colour == kColorSystemGreen) return QStringLiteral("Cadenzo audio link: connected");
-    if (colour == kColorSystemRed) return QStringLiteral("Cadenzo audio link: not connected");
+QColor colourOf(LinkState state) {
+    switch (state) {
+        case LinkState::connected:
+            return kColorSystemGreen;
+        case LinkState::notConnected:
+            return kColorSystemRed;
+        case LinkState::notInUse:
+            break;
+    }
+    return whiteLevel(0.35);
+}
+
+QString wordsFor(LinkState state) {
+    switch (state) {
+        case LinkState::connected:
+            return QStringLiteral("Cadenzo audio link: connected");
+        case LinkState::notConnected:
+            return QStringLiteral("Cadenzo audio link: not connected");
+        case LinkState::notInUse:
+            break;
+    }
     return QStringLiteral("Cadenzo audio link: not in use");
 }
 
@@ -70,12 +87,12 @@ StatusBarView::StatusBarView(QWidget* parent)
       text_(new ElidedTextView(interfaceFont(14), whiteLevel(0.78), Qt::AlignLeft, this)),
       hint_(new ElidedTextView(digitsFont(15), whiteLevel(0.6), Qt::AlignRight, this)),
       settings_(new SettingsButton(this)),
-      connectionDot_(new DotView(12, kColorSystemRed, this)) {
+      connectionDot_(new DotView(12, colourOf(linkState_), this)) {
     setFixedHeight(kStatusBarHeight);
     hint_->showText(
         QStringLiteral("Space play • ←→ marker • [ ] selection • C clear • ⌘Z undo • E export • "
                        "A aircheck"));
-    connectionDot_->setAccessibleName(connectionWords(connectionDot_->colour()));
+    connectionDot_->setAccessibleName(wordsFor(linkState_));
     setHints();
     speaker_->setObjectName(QStringLiteral("statusBarSpeaker"));
     text_->setObjectName(QStringLiteral("statusBarText"));
@@ -117,10 +134,11 @@ QRectF StatusBarView::progressFrame() const {
     return {0, 0, std::round(fraction * width()), kProgressHeight};
 }
 
-void StatusBarView::setConnectionDotColour(const QColor& colour) {
-    if (colour == connectionDot_->colour()) return;
-    connectionDot_->setColour(colour);
-    connectionDot_->setAccessibleName(connectionWords(colour));
+void StatusBarView::showLinkState(LinkState state) {
+    if (state == linkState_) return;
+    linkState_ = state;
+    connectionDot_->setColour(colourOf(state));
+    connectionDot_->setAccessibleName(wordsFor(state));
 }
 
 void StatusBarView::showHint(const std::string& text) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QAbstractButton>
-#include <QColor>
 #include <QWidget>
 #include <functional>
 #include <optional>
@@ -11,6 +10,13 @@
 #include "views/ElidedTextView.h"
 
 namespace sonavault {
+
+/// The automation's audio link, as the light at the window's foot shows it.
+enum class LinkState {
+    notInUse,      ///< grey: the line input is recorded, or nothing
+    connected,     ///< green
+    notConnected,  ///< red
+};
 
 /// The black line at the window's foot: one sentence for the person at the desk, the keys, the
 /// settings, and whether the automation is connected.
@@ -32,8 +38,8 @@ class StatusBarView final : public QWidget {
     /// there is none
     void showProgress(std::optional<double> fraction);
 
-    /// Does nothing when it has that colour already, so that it may be set at every tick.
-    void setConnectionDotColour(const QColor& colour);
+    /// Does nothing when it is shown already, so that it may be set at every tick.
+    void showLinkState(LinkState state);
 
     /// Shows a hover text in place of the status text, until restoreStatus().
     void showHint(const std::string& text);
@@ -47,6 +53,7 @@ class StatusBarView final : public QWidget {
     void setHints();
     QRectF progressFrame() const;
 
+    LinkState linkState_ = LinkState::notConnected;
     QWidget* speaker_;
     ElidedTextView* text_;
     ElidedTextView* hint_;

@@ -209,15 +209,16 @@ TEST_F(StatusBar, keeps_progress_within_its_bounds) {
     }
 }
 
-TEST_F(StatusBar, shows_the_connection_in_the_colour_set_and_says_what_it_means) {
+TEST_F(StatusBar, shows_the_connection_in_its_colour_and_says_what_it_means) {
+    EXPECT_EQ(picture(bar).pixelColor(1462, 20), QColor(255, 59, 48));
     EXPECT_EQ(dot().accessibleName(), "Cadenzo audio link: not connected");
 
-    bar.setConnectionDotColour(kColorSystemGreen);
+    bar.showLinkState(LinkState::connected);
     EXPECT_EQ(picture(bar).pixelColor(1462, 20), QColor(40, 205, 65));
     EXPECT_EQ(dot().accessibleName(), "Cadenzo audio link: connected");
 
-    bar.setConnectionDotColour(whiteLevel(0.35));
-    EXPECT_EQ(picture(bar).pixelColor(1462, 20), whiteLevel(0.35));
+    bar.showLinkState(LinkState::notInUse);
+    EXPECT_EQ(picture(bar).pixelColor(1462, 20), QColor(89, 89, 89));
     EXPECT_EQ(dot().accessibleName(), "Cadenzo audio link: not in use");
 }
 
