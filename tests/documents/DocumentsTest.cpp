@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <iterator>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -19,6 +18,7 @@
 #include "shell/ShellServices.h"
 #include "shell/StationIntegration.h"
 #include "store/Version.h"
+#include "support/Matches.h"
 #include "support/TempFolder.h"
 
 namespace sonavault::testing {
@@ -36,11 +36,8 @@ bool names(const std::string& text, const std::string& what) {
 
 /// All that the first group of `pattern` matches in a text.
 std::set<std::string> matches(const std::string& text, const std::string& pattern) {
-    std::set<std::string> all;
-    const std::regex wanted(pattern);
-    for (std::sregex_iterator at(text.begin(), text.end(), wanted), end; at != end; ++at)
-        all.insert((*at)[1].str());
-    return all;
+    const auto all = matchesIn(text, QString::fromStdString(pattern));
+    return {all.begin(), all.end()};
 }
 
 /// The same in the files of `folder` with that suffix.
@@ -80,10 +77,8 @@ std::vector<Cells> rows(const std::string& text) {
 std::set<std::string> firstCells(const std::string& text, const std::string& head) {
     std::set<std::string> all;
     std::istringstream lines(text.substr(std::min(text.find("\n" + head), text.size() - 1) + 1));
-    const std::regex quoted("`([^`]+)`");
     for (std::string line; std::getline(lines, line) && !cellsOf(line).empty();)
-        if (std::smatch name; std::regex_search(line, name, quoted) && name.position() == 2)
-            all.insert(name[1].str());
+        all.merge(matches(line, "^..`([^`]+)`"));
     return all;
 }
 
@@ -133,15 +128,12 @@ TEST(Documents, lead_nowhere_but_to_pages_that_exist) {
     int links = 0;
     auto pages = pagesOfToday();
     pages.push_back(kRoot / "CHANGELOG.md");
-    const std::regex link("\\]\\(([^)#:]+)\\)");
-    for (const auto& from : pages) {
-        const std::string text = readFile(from);
-        for (std::sregex_iterator at(text.begin(), text.end(), link), end; at != end; ++at) {
+    for (const auto& from : pages)
+        for (const auto& link : matchesIn(readFile(from), R"(\]\(([^)#:]+)\))")) {
             ++links;
-            EXPECT_TRUE(std::filesystem::exists(from.parent_path() / (*at)[1].str()))
-                << from << " leads to " << (*at)[1];
+            EXPECT_TRUE(std::filesystem::exists(from.parent_path() / link))
+                << from << " leads to " << link;
         }
-    }
     EXPECT_GT(links, 20);
 }
 
@@ -264,16 +256,13 @@ TEST(Documents, tell_of_keys_what_they_do) {
 TEST(Documents, know_one_version_of_the_program) {
     EXPECT_TRUE(names(page("CMakeLists.txt"), std::string("VERSION ") + kSonavaultVersion));
     // A library that has such a version too is named before it.
-    const std::regex version("(libsoxr |[^0-9.])(0\\.1\\.[0-9]+)");
+    const QString version = R"((?<!libsoxr )(?<![0-9.])(0\.1\.[0-9]+))";
     int told = 0;
-    for (const auto& from : pagesOfToday()) {
-        const std::string text = readFile(from);
-        for (std::sregex_iterator at(text.begin(), text.end(), version), end; at != end; ++at) {
-            if ((*at)[1].length() > 1) continue;
+    for (const auto& from : pagesOfToday())
+        for (const auto& each : matchesIn(readFile(from), version)) {
             ++told;
-            EXPECT_EQ((*at)[2].str(), kSonavaultVersion) << from;
+            EXPECT_EQ(each, kSonavaultVersion) << from;
         }
-    }
     EXPECT_GT(told, 0);
 }
 

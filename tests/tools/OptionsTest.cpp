@@ -3,9 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <set>
 
+#include "support/Matches.h"
 #include "support/TempFolder.h"
 
 namespace sonavault::automation {
@@ -115,12 +115,8 @@ TEST(Options, know_when_help_is_wanted_and_name_every_option_in_it) {
     const auto options = parsed({"--help"});
     ASSERT_TRUE(options);
     EXPECT_TRUE(options.value().wantsHelp);
-    const std::string help = helpText();
-    const std::regex option(R"(--[a-z-]+)");
-    std::set<std::string> named;
-    for (std::sregex_iterator each(help.begin(), help.end(), option), end; each != end; ++each)
-        named.insert(each->str());
-    EXPECT_THAT(named,
+    const auto named = sonavault::testing::matchesIn(helpText(), "(--[a-z-]+)");
+    EXPECT_THAT(std::set(named.begin(), named.end()),
                 UnorderedElementsAre("--help", "--host", "--port", "--rate", "--channels",
                                      "--byte-order", "--chunk", "--once", "--signal", "--frequency",
                                      "--level", "--seed", "--duration", "--drop-at", "--stall-at",
