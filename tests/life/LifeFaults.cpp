@@ -117,7 +117,8 @@ void fillTheDisk(LivingStation& station) {
     station.air().interrupt(station.now(), kHeldBack);
     if (!station.disk().fill()) throw std::runtime_error("the disk can't be filled");
     pass(station.between(3, 6));
-    if (!station.disk().changeSize("size=200m")) throw std::runtime_error("no space again");
+    if (!station.disk().changeSize(LivingStation::kRoom))
+        throw std::runtime_error("no space again");
     // What was lost is made up for when the file is opened again.
     pass(kAfterwards);
     station.automation().type("drop");

@@ -60,7 +60,7 @@ LivingStation::LivingStation(unsigned seed, const std::string& zone)
     : seed_(seed),
       random_(seed),
       zone_(zone.c_str()),
-      disk_(station_.audioFolder(), "size=200m"),
+      disk_(station_.audioFolder(), kRoom),
       formats_(static_cast<int>(seed % 4)) {
     std::filesystem::remove(logFile());
     if (!disk_.isMounted()) giveUp("the right to mount a disk of one's own is needed");

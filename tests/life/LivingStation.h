@@ -53,6 +53,9 @@ class LivingStation {
     ChildProcess& automation() { return *automation_; }
     ChildProcess& hub() { return *hub_; }
     PrivateSoundServer& sound() { return sound_; }
+    /// The days lie on a disk of their own, with room for a life of a day: a round takes some 16
+    /// MB.
+    static constexpr auto kRoom = "size=8g";
     SmallDisk& disk() { return disk_; }
     void useLineInput();
     void useLink();
