@@ -32,8 +32,10 @@ class AirBook {
     /// file was behind the clock.
     void resume(double moment, double slack, double misplaced = 0);
 
-    /// How far behind the clock the file was at the last resume(). Units: seconds
+    /// How far behind the clock the file was at the last resume(), and how far ahead of it the file
+    /// has been since. Units: seconds
     double gap() const { return gap_; }
+    double ahead() const { return ahead_; }
 
     /// The machine stood still for so long while there was air: nobody can tell where that stands.
     void excuse(double moment, double length);

@@ -153,12 +153,8 @@ TEST_F(ReviewDeskTest, lets_the_waveform_of_today_grow_as_it_is_recorded) {
 TEST_F(ReviewDeskTest, writes_the_waveform_of_a_past_day_beside_it) {
     haveDay("2026-03-01", twoMarkers_);
     launch();
-    EXPECT_TRUE(QTest::qWaitFor(
-        [this] {
-            mainQueue_.runAll();
-            return std::filesystem::exists(fileOf("2026-03-01", "peaks"));
-        },
-        10000));
+    EXPECT_TRUE(
+        waitUntil([this] { return std::filesystem::exists(fileOf("2026-03-01", "peaks")); }));
 }
 
 TEST_F(ReviewDeskTest, measures_a_day_anew_that_went_on_after_its_waveform_was_made) {
