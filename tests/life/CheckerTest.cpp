@@ -70,6 +70,13 @@ TEST(LifeChecker, is_content_with_a_day_that_is_true_to_the_clock) {
     const auto accuracy = accuracyOf(day, stretches);
     EXPECT_GE(accuracy.sharp, 38);
     EXPECT_EQ(accuracy.found, accuracy.sharp);
+
+    auto vague = stretches;
+    vague[0].slack = 0.1;
+    const auto half = accuracyOf(day, vague);
+    EXPECT_EQ(half.found, accuracy.found);
+    EXPECT_GT(half.sharp, 0);
+    EXPECT_LT(half.sharp, accuracy.sharp);
     EXPECT_NEAR(accuracy.earliest, 0, 0.006);
     EXPECT_NEAR(accuracy.latest, 0, 0.006);
 }
