@@ -97,8 +97,12 @@ void LivingStation::setClock(double moment) {
 }
 
 void LivingStation::moveClock(long seconds) {
+    const std::string before = dateOf(now());
     ahead_ += seconds;
     clock_.showAhead(ahead_);
+    const std::string date = dateOf(now());
+    if (date == before) return;
+    for (OwedRow* row : onTheirWay()) row->otherDay = date;
 }
 
 double LivingStation::momentOf(const HeardLine& line) const {
@@ -167,12 +171,18 @@ double LivingStation::launch() {
     return momentOf(expect(*program_, started(), 0, 60));
 }
 
+/// The rows of what was sent so lately that it may not have arrived.
+std::vector<OwedRow*> LivingStation::onTheirWay() {
+    const double sure = secondsOf(std::chrono::system_clock::now()) - kOnTheWaySec;
+    std::erase_if(lastSent_, [&](const auto& each) { return each.first <= sure; });
+    std::vector<OwedRow*> rows;
+    for (const auto& [sentAt, row] : lastSent_) rows.push_back(row);
+    return rows;
+}
+
 // Nobody knows whether what was sent just now was written.
 void LivingStation::doubtWhatIsOnItsWay() {
-    const double sure = secondsOf(std::chrono::system_clock::now()) - kOnTheWaySec;
-    for (auto& [sentAt, row] : onTheirWay_)
-        if (sentAt > sure) row->mayBeLost = true;
-    onTheirWay_.clear();
+    for (OwedRow* row : onTheirWay()) row->mayBeLost = true;
 }
 
 void LivingStation::kill() {
@@ -327,7 +337,7 @@ void LivingStation::sendMarker() {
         if (dateOf(now() + edge) != date) row.otherDay = dateOf(now() + edge);
     auto& rows = rows_[date];
     rows.push_back(row);
-    onTheirWay_.emplace_back(secondsOf(sent.at), &rows.back());
+    lastSent_.emplace_back(secondsOf(sent.at), &rows.back());
 }
 
 void LivingStation::publishSilence() {
@@ -340,7 +350,7 @@ void LivingStation::publishSilence() {
     row.isWhole = false;
     auto& rows = rows_[dateOf(now())];
     rows.push_back(row);
-    onTheirWay_.emplace_back(secondsOf(std::chrono::system_clock::now()), &rows.back());
+    lastSent_.emplace_back(secondsOf(std::chrono::system_clock::now()), &rows.back());
 }
 
 }  // namespace sonavault::testing

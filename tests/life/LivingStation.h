@@ -102,6 +102,7 @@ class LivingStation {
     void watchTheMachine();
     double lateness();
     bool isCaughtUp(std::size_t fromLine, double patience, double& late);
+    std::vector<OwedRow*> onTheirWay();
     void doubtWhatIsOnItsWay();
     void keepLog() const;
     std::string started() const;
@@ -127,7 +128,8 @@ class LivingStation {
     double launchedAt_ = 0;
     std::size_t automationLinesSeen_ = 0;
     std::map<std::string, std::deque<OwedRow>> rows_;
-    std::vector<std::pair<double, OwedRow*>> onTheirWay_;
+    /// When each was sent, by the clock of the machine.
+    std::vector<std::pair<double, OwedRow*>> lastSent_;
     std::vector<ProgramRun> runs_;
     bool isNewRun_ = true;
     std::unique_ptr<ChildProcess> hub_;
