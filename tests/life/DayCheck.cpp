@@ -2,16 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <cstdio>
 #include <optional>
-#include <span>
 
 #include "automation/ClockChords.h"
 #include "platform/LocalTime.h"
-#include "platform/Mp3Header.h"
 #include "store/MarkerLogReader.h"
 #include "store/RecordingManifest.h"
+#include "support/WholeFrames.h"
 #include "system/SentMarkers.h"
 
 namespace sonavault::testing {
@@ -81,7 +79,7 @@ void checkSecond(const AirEvidence& evidence, const AirStretch& stretch, long lo
     }
     if (chord->secondOfDay != second % 86400)
         complaints.push_back(where + " of the file: there stands " + clockText(chord->secondOfDay));
-    else if (std::abs(chord->at - place) > evidence.frameSec + kToleranceSec + stretch.slack)
+    else if (std::abs(chord->at - place) > kToleranceSec + stretch.slack)
         complaints.push_back(where + " of the file, stands " + milliseconds(chord->at - place) +
                              " off");
 }
@@ -128,13 +126,6 @@ void checkOutage(const AirEvidence& evidence, const AirStretch& before, const Ai
         complaints.push_back("only " + milliseconds(silent) + " of silence between " +
                              utcText(before.to) + " and " + utcText(after.from) +
                              ", where there was no air for " + milliseconds(after.silentBefore));
-}
-
-bool isFrameOf(const Mp3Header& first, std::span<const std::uint8_t> whole, std::size_t at) {
-    const auto header = parseMp3Header(whole.subspan(std::min(at, whole.size())));
-    return header && header->sampleRate == first.sampleRate &&
-           header->bitrateKbps == first.bitrateKbps &&
-           at + static_cast<std::size_t>(header->frameBytes) <= whole.size();
 }
 
 bool isRow(const std::string& row, const OwedRow& owed) {
@@ -217,14 +208,10 @@ std::vector<std::string> complaintsAboutLog(const std::string& log,
 }
 
 std::vector<std::string> complaintsAboutStream(const std::string& bytes) {
-    const std::span whole(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
-    const auto first = parseMp3Header(whole);
-    if (!first) return {"no frame at the beginning"};
-    std::size_t at = 0;
-    while (isFrameOf(*first, whole, at))
-        at += static_cast<std::size_t>(parseMp3Header(whole.subspan(at))->frameBytes);
-    if (at == whole.size()) return {};
-    return {"a tear at byte " + std::to_string(at) + " of " + std::to_string(whole.size())};
+    const std::size_t end = bytesOfWholeFrames(bytes);
+    if (end == 0) return {"no frame at the beginning"};
+    if (end == bytes.size()) return {};
+    return {"a tear at byte " + std::to_string(end) + " of " + std::to_string(bytes.size())};
 }
 
 std::vector<std::string> complaintsAboutManifest(const std::filesystem::path& manifest,

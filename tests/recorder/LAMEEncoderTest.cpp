@@ -8,14 +8,15 @@
 #include <limits>
 
 #include "platform/AudioFileInfo.h"
-#include "platform/Mp3Header.h"
 #include "support/FileSizeLimit.h"
 #include "support/RecordedLog.h"
 #include "support/TempFolder.h"
+#include "support/WholeFrames.h"
 
 namespace sonavault {
 namespace {
 
+using testing::bytesOfWholeFrames;
 using testing::FileSizeLimit;
 using testing::readFile;
 using testing::RecordedLog;
@@ -140,18 +141,10 @@ TEST_F(Encoder, writes_as_it_goes_and_holds_back_only_what_the_library_holds) {
     EXPECT_LT(info.value().durationSec(), 2.0);
 }
 
-/// Whether the file's frames lie back to back from its first byte to its last.
 ::testing::AssertionResult isWholeFrames(const std::string& bytes) {
-    const std::span file(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
-    std::size_t at = 0;
-    while (at < file.size()) {
-        const auto header = parseMp3Header(file.subspan(at));
-        if (!header) return ::testing::AssertionFailure() << "no frame at byte " << at;
-        at += static_cast<std::size_t>(header->frameBytes);
-    }
-    if (at == file.size()) return ::testing::AssertionSuccess();
+    if (bytesOfWholeFrames(bytes) == bytes.size()) return ::testing::AssertionSuccess();
     return ::testing::AssertionFailure()
-           << "the last frame ends " << at - file.size() << " bytes behind the file";
+           << "a tear at byte " << bytesOfWholeFrames(bytes) << " of " << bytes.size();
 }
 
 TEST_F(Encoder, leaves_whole_frames_wherever_it_is_stopped) {
