@@ -1,5 +1,6 @@
 #include "life/AirEvidence.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 #include <span>
@@ -94,15 +95,23 @@ class ChordFinder {
 
 }  // namespace
 
-AirEvidence evidenceOf(const Heard& heard, double startedAt, double frameSec) {
+AirEvidence evidenceOf(const Heard& heard, double startedAt) {
     AirEvidence evidence;
     evidence.startedAt = startedAt;
-    evidence.frameSec = frameSec;
     evidence.chords = ChordFinder(heard).find();
     const auto block = static_cast<std::size_t>(heard.sampleRate * AirEvidence::kBlockSec);
     for (std::size_t at = 0; at + block <= heard.samples.size(); at += block)
         evidence.levels.push_back(levelOf({heard.samples.data() + at, block}));
     return evidence;
+}
+
+Heard withoutCodecDelay(Heard heard) {
+    constexpr std::size_t kEncoderDelay = 576;
+    constexpr std::size_t kDecoderDelay = 529;
+    const auto held = std::min(kEncoderDelay + kDecoderDelay, heard.samples.size());
+    heard.samples.erase(heard.samples.begin(),
+                        heard.samples.begin() + static_cast<std::ptrdiff_t>(held));
+    return heard;
 }
 
 }  // namespace sonavault::testing

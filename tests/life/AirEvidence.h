@@ -15,7 +15,6 @@ struct HeardChord {
 /// What a day's file holds of the automation's clock chords.
 struct AirEvidence {
     double startedAt = 0;  ///< the moment of the file's frame 0. Units: seconds since 1970
-    double frameSec = 0;   ///< how long one of its MP3 frames sounds
     std::vector<HeardChord> chords;  ///< in order
     std::vector<float> levels;       ///< of each kBlockSec. Units: dBFS
 
@@ -28,7 +27,11 @@ struct AirEvidence {
     double durationSec() const { return static_cast<double>(levels.size()) * kBlockSec; }
 };
 
-/// `frameSec` and `startedAt` are taken as they are.
-AirEvidence evidenceOf(const Heard& heard, double startedAt, double frameSec);
+AirEvidence evidenceOf(const Heard& heard, double startedAt);
+
+/// The sound as it went into the file. Every MP3 is heard later than that by what its encoder and
+/// the decoder hold back: 576 and 529 samples, which come to 69 ms at 16,000 Hz (LAME's technical
+/// FAQ, "Why is a decoded MP3 longer than the original?").
+Heard withoutCodecDelay(Heard heard);
 
 }  // namespace sonavault::testing

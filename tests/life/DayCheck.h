@@ -9,8 +9,9 @@
 
 namespace sonavault::testing {
 
-/// How far from its moment a second may stand, beside one MP3 frame. A sanitizer, where it is built
-/// in, holds every buffer up for a while. Units: seconds
+/// How far from its moment a second may stand. The recorder lets the file fall 50 ms behind before
+/// it fills it up; a sanitizer, where it is built in, holds every buffer up for a while.
+/// Units: seconds
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 inline constexpr double kToleranceSec = 0.100;
 #else
@@ -61,7 +62,7 @@ inline constexpr int kMostMoreDescriptors = 3;
 
 // Each gives what is wrong, in words, with the moments at which it is; empty when all is well.
 
-/// Each second of each stretch stands in the file within a frame and kToleranceSec of its moment,
+/// Each second of each stretch stands in the file within kToleranceSec of its moment,
 /// there is no hole in a stretch, and between two stretches there is the silence that the outage
 /// asks for.
 std::vector<std::string> complaintsAboutAir(const AirEvidence& evidence,
