@@ -15,6 +15,7 @@
 #include <thread>
 
 #include "platform/ThisThread.h"
+#include "support/Eventually.h"
 #include "system/Station.h"
 
 namespace sonavault::testing {
@@ -243,7 +244,7 @@ TEST_F(OnTheHub, one_that_stops_reading_stops_nothing) {
     });
     startRecording();
     for (int i = 0; i < 3; ++i) expectUndisturbedRecording();
-    EXPECT_TRUE(said);
+    EXPECT_TRUE(eventually([&] { return said.load(); }));
     EXPECT_LT(program_->residentKilobytes(), kMostKilobytes);
     mayRead = true;
     auto answers = heard.get_future();
