@@ -31,7 +31,7 @@ AirEvidence evidenceOf(const Heard& heard, double startedAt);
 
 /// The sound as it went into the file. Every MP3 is heard later than that by what its encoder and
 /// the decoder hold back: 576 and 529 samples, which come to 69 ms at 16,000 Hz (LAME's technical
-/// FAQ, "Why is a decoded MP3 longer than the original?").
+/// FAQ, "Why is a decoded MP3 longer than the original .wav file?").
 Heard withoutCodecDelay(Heard heard);
 
 }  // namespace sonavault::testing

@@ -62,9 +62,8 @@ inline constexpr int kMostMoreDescriptors = 3;
 
 // Each gives what is wrong, in words, with the moments at which it is; empty when all is well.
 
-/// Each second of each stretch stands in the file within kToleranceSec of its moment,
-/// there is no hole in a stretch, and between two stretches there is the silence that the outage
-/// asks for.
+/// Each second of each stretch stands in the file within kToleranceSec of its moment, there is no
+/// hole in a stretch, and between two stretches there is the silence that the outage asks for.
 std::vector<std::string> complaintsAboutAir(const AirEvidence& evidence,
                                             const std::vector<AirStretch>& stretches);
 

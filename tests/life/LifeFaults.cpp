@@ -81,26 +81,16 @@ void stallTheSender(LivingStation& station) {
     }
 }
 
-void step(LivingStation& station, long seconds) {
-    station.note("the clock is moved by " + std::to_string(seconds) + " s");
-    const auto from = station.program().lineCount();
-    // Until it is moved the file goes on with the clock, however long this takes.
-    const double before = station.now();
-    station.air().interrupt(before, 0.05);
-    station.moveClock(seconds);
-    station.settle(before + static_cast<double>(seconds), 0, from);
-}
-
 void stepAhead(LivingStation& station) {
-    step(station, std::lround(station.between(2, 20)));
+    stepClock(station, std::lround(station.between(2, 20)));
 }
 
 void sleepLong(LivingStation& station) {
-    step(station, std::lround(station.between(600, 1400)));
+    stepClock(station, std::lround(station.between(600, 1400)));
 }
 
 void stepBack(LivingStation& station) {
-    step(station, -std::lround(station.between(1, 4)));
+    stepClock(station, -std::lround(station.between(1, 4)));
 }
 
 void killTheHub(LivingStation& station) {
@@ -153,6 +143,16 @@ const LifeFault kStepBack{"the clock is put back", stepBack};
 const LifeFault kHubDies{"the hub is killed", killTheHub};
 const LifeFault kMarkerDrop{"the marker link drops", dropTheMarkerLink};
 const LifeFault kFullDisk{"the disk is full", fillTheDisk};
+
+void stepClock(LivingStation& station, long seconds) {
+    station.note("the clock is moved by " + std::to_string(seconds) + " s");
+    const auto from = station.program().lineCount();
+    // Until it is moved the file goes on with the clock, however long this takes.
+    const double before = station.now();
+    station.air().interrupt(before, 0.05);
+    station.moveClock(seconds);
+    station.settle(before + static_cast<double>(seconds), 0, from);
+}
 
 void moveToDay(LivingStation& station, double moment) {
     const bool isKilled = station.random()() % 2 == 0;

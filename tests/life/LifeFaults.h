@@ -27,6 +27,9 @@ extern const LifeFault kHubDies;     ///< and comes back
 extern const LifeFault kMarkerDrop;  ///< the marker link is lost between two markers
 extern const LifeFault kFullDisk;    ///< nothing can be written; then the link is lost
 
+/// The clock jumps by so many seconds, ahead or back, while the recorder runs.
+void stepClock(LivingStation& station, long seconds);
+
 /// A day of the line input whose sound server dies and comes back. The recorder is running from
 /// the link before, and again after, with its clock where it was left.
 void liveOnLineInput(LivingStation& station, double noon);

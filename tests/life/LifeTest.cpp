@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <iostream>
 #include <set>
@@ -91,10 +92,7 @@ class StationLife : public ::testing::Test {
         station_->live(1);
         if (moment.at - station_->now() > 8) {
             station_->note("the clock is put shortly before " + moment.name);
-            const auto from = station_->program().lineCount();
-            station_->air().interrupt(station_->now(), 0.05);
-            station_->setClock(moment.at - 6);
-            station_->settle(station_->now(), 0, from);
+            stepClock(*station_, std::lround(moment.at - 6 - station_->now()));
         }
         const auto from = station_->program().lineCount();
         station_->live(std::max(0.0, moment.at - station_->now()) + 0.4);

@@ -142,9 +142,9 @@ TEST_F(Encoder, writes_as_it_goes_and_holds_back_only_what_the_library_holds) {
 }
 
 ::testing::AssertionResult isWholeFrames(const std::string& bytes) {
-    if (bytesOfWholeFrames(bytes) == bytes.size()) return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure()
-           << "a tear at byte " << bytesOfWholeFrames(bytes) << " of " << bytes.size();
+    const std::size_t end = bytesOfWholeFrames(bytes);
+    if (end == bytes.size()) return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "a tear at byte " << end << " of " << bytes.size();
 }
 
 TEST_F(Encoder, leaves_whole_frames_wherever_it_is_stopped) {

@@ -17,10 +17,11 @@ inline std::size_t bytesOfWholeFrames(const std::string& bytes) {
     while (at < file.size()) {
         const auto header = parseMp3Header(file.subspan(at));
         if (!header || header->sampleRate != first->sampleRate ||
-            header->bitrateKbps != first->bitrateKbps ||
-            at + static_cast<std::size_t>(header->frameBytes) > file.size())
+            header->bitrateKbps != first->bitrateKbps)
             break;
-        at += static_cast<std::size_t>(header->frameBytes);
+        const auto end = at + static_cast<std::size_t>(header->frameBytes);
+        if (end > file.size()) break;
+        at = end;
     }
     return at;
 }
